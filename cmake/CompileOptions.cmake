@@ -1,0 +1,44 @@
+# How every target here is compiled: quillmark_options carries the language level,
+# the warnings and, in release builds, the hardening.
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+include(CheckPIESupported)
+check_pie_supported()
+
+option(QUILLMARK_WARNINGS_AS_ERRORS "Stop the build at the first warning" OFF)
+set(QUILLMARK_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined")
+
+add_library(quillmark_options INTERFACE)
+target_compile_features(quillmark_options INTERFACE cxx_std_23)
+target_compile_options(quillmark_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  $<$<BOOL:${QUILLMARK_WARNINGS_AS_ERRORS}>:-Werror>)
+target_compile_definitions(quillmark_options INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED)
+
+if(QUILLMARK_SANITIZE)
+  target_compile_options(quillmark_options INTERFACE
+    -fsanitize=${QUILLMARK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(quillmark_options INTERFACE -fsanitize=${QUILLMARK_SANITIZE})
+endif()
+
+set(release $<CONFIG:Release>)
+set(linux $<PLATFORM_ID:Linux>)
+target_compile_options(quillmark_options INTERFACE
+  $<${release}:-fstack-protector-strong>
+  $<${release}:-ffunction-sections>
+  $<${release}:-fdata-sections>
+  $<${release}:-U_FORTIFY_SOURCE>
+  $<${release}:-D_FORTIFY_SOURCE=2>
+  $<$<AND:${release},${linux}>:-fstack-clash-protection>)
+target_link_options(quillmark_options INTERFACE
+  "$<$<AND:${release},${linux}>:LINKER:-z,relro,-z,now,-z,noexecstack,--gc-sections,--as-needed>"
+  "$<$<AND:${release},$<PLATFORM_ID:Darwin>>:LINKER:-dead_strip>")
+
+# The installed program needs nothing but the C library: the C++ runtime goes into it.
+add_library(quillmark_static_runtime INTERFACE)
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux" AND NOT QUILLMARK_SANITIZE)
+  target_link_options(quillmark_static_runtime INTERFACE
+    $<${release}:-static-libstdc++> $<${release}:-static-libgcc>)
+endif()
