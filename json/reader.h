@@ -1,0 +1,100 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "json/node.h"
+#include "json/number_scan.h"
+#include "json/value.h"
+
+namespace json {
+
+/// Arrays and objects may stand inside one another this deep; deeper ones are malformed.
+inline constexpr std::size_t deepestNesting = 512;
+
+/// Reads one JSON message, which may arrive piece by piece, and checks every byte of it.
+///
+/// The top level must be an object or an array. White space and one byte order mark may stand
+/// before it, and white space behind it. Strings must be well-formed UTF-8; the escape of an
+/// unpaired surrogate is let through, as agents' hosts do send it.
+///
+/// Each byte is looked at once, however many pieces it comes in, and no input takes more
+/// stack than another. Not for use by two threads at once.
+class Reader {
+ public:
+  enum class State : std::uint8_t {
+    incomplete,  ///< well-formed so far
+    complete,    ///< a whole message, with nothing but white space behind it
+    malformed    ///< no further text can mend it
+  };
+
+  /// Reads on. `text` is the message so far, from its first byte: it begins with all that
+  /// earlier calls were given, though it may have moved.
+  State read(std::string_view text);
+
+  [[nodiscard]] State state() const { return state_; }
+
+  /// Hands over what was read of `text`, the text that the last call of read() was given.
+  /// To be called at most once, and only when the state is complete.
+  Document take(std::string_view text) && { return {text, std::move(nodes_)}; }
+
+ private:
+  /// What may come next.
+  enum class Next : std::uint8_t {
+    byteOrderMark,
+    topLevel,
+    firstElement,  // or the end of the array
+    firstName,     // or the end of the object
+    name,
+    colon,
+    value,
+    commaOrEnd,
+    insideName,
+    insideString,
+    insideNumber,
+    nothing
+  };
+  /// How a step ended: go on with the next, wait for more text, or give up.
+  enum class Step : std::uint8_t { on, wait, wrong };
+
+  Step step();
+  Step readByteOrderMark();
+  Step readValue(char first);
+  Step readName(char first);
+  Step readCommaOrEnd(char first);
+  Step readString(Next after);
+  Step readUnusual();
+  Step readEscape();
+  Step readNumber();
+  Step readLiteral(Kind kind, std::string_view spelling);
+  Step openContainer(Kind kind);
+  Step closeContainer();
+  void beginString(Next inside);
+  void addNode(Kind kind) { nodes_.push(Node(kind, offset())); }
+  bool skipWhiteSpace();
+
+  [[nodiscard]] std::size_t offset() const { return static_cast<std::size_t>(at_ - begin_); }
+  [[nodiscard]] Node& lastNode() { return nodes_[nodes_.size() - 1]; }
+
+  // The text of the current call, and the first byte not read yet.
+  const char* begin_ = nullptr;
+  const char* end_ = nullptr;
+  const char* at_ = nullptr;
+  std::size_t offset_ = 0;  // that byte's place, from one call to the next
+
+  Buffer<Node> nodes_;
+  std::array<std::size_t, deepestNesting> open_;  // the containers around it, by their nodes
+  std::size_t depth_ = 0;
+  NumberScan number_;
+  bool clean_ = true;  // of the string being read
+  Next next_ = Next::byteOrderMark;
+  State state_ = State::incomplete;
+};
+
+/// Reads a whole message; none if it is not one. `text` must outlive the result.
+std::optional<Document> read(std::string_view text);
+
+}  // namespace json
