@@ -1,0 +1,53 @@
+#include "bridge/call_app.h"
+
+#include <chrono>
+#include <optional>
+#include <utility>
+
+#include "bridge/app_request.h"
+#include "bridge/reachability.h"
+
+namespace bridge {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+std::unexpected<BridgeFailure> failure(std::string message) {
+  return std::unexpected(BridgeFailure{std::move(message)});
+}
+
+bool isTrue(const std::optional<json::Value>& value) {
+  return value && value->isTrue();
+}
+
+}  // namespace
+
+CallResult callApp(std::string_view tool, json::Value arguments) {
+  constexpr auto startLimit = 20s;
+  constexpr auto callLimit = 30s;
+  const std::optional<Endpoint> endpoint = waitForApp(startLimit);
+  if (!endpoint) {
+    return failure(
+        "Quillmark could not be started. Open it once from Applications, then try again.");
+  }
+  return callResult(exchange(endpoint->port, appRequest(*endpoint, tool, arguments), callLimit));
+}
+
+CallResult callResult(Outcome outcome) {
+  if (!outcome.ended) return failure("No response from Quillmark.");
+  auto document = outcome.reply ? outcome.reply->document() : std::nullopt;
+  if (!document || !document->root().isObject()) {
+    return failure("Quillmark sent an unreadable reply.");
+  }
+  const json::Value reply = document->root();
+  if (isTrue(reply.member("ok"))) {
+    const json::Value result = reply.member("result").value_or(json::emptyObject());
+    return AppResult(std::move(*outcome.reply), std::move(*document), result);
+  }
+  const auto error = reply.member("error");
+  if (auto message = error ? error->string() : std::nullopt) return failure(std::move(*message));
+  return failure("Quillmark refused the request.");
+}
+
+}  // namespace bridge

@@ -1,0 +1,125 @@
+#include "bridge/nw_connection_box.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include <asio/buffer.hpp>
+#include <asio/error.hpp>
+
+namespace bridge {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Between two attempts to connect to an application that does not listen (yet).
+constexpr auto retryPause = 20ms;
+
+/// The application writes its reply at once, but the system may hand it over in pieces: this
+/// long a silence after a piece means that there is no more of it.
+constexpr auto silenceAfterReply = 50ms;
+
+}  // namespace
+
+NWConnectionBox::NWConnectionBox(asio::io_context& context, std::uint16_t port)
+    : endpoint_(asio::ip::address_v4::loopback(), port), connection_(context), timer_(context) {}
+
+void NWConnectionBox::send(json::Text request, Completion completion) {
+  request_ = std::move(request);
+  completion_ = std::move(completion);
+  connect();
+}
+
+void NWConnectionBox::connect() {
+  Error error;
+  connection_.open(endpoint_.protocol(), error);
+  if (error) return finish(std::nullopt);
+  fcntl(connection_.native_handle(), F_SETFD, FD_CLOEXEC);
+  connection_.async_connect(endpoint_, [waiting = weak_from_this()](Error outcome) {
+    if (const auto self = waiting.lock()) self->connected(outcome);
+  });
+}
+
+void NWConnectionBox::connected(Error error) {
+  if (error || isConnectedToItself()) return waitAndConnect();
+  sendRequest();
+}
+
+void NWConnectionBox::waitAndConnect() {
+  Error ignored;
+  connection_.close(ignored);
+  timer_.expires_after(retryPause);
+  timer_.async_wait([waiting = weak_from_this()](Error error) {
+    if (const auto self = waiting.lock(); self && !error) self->connect();
+  });
+}
+
+/// Where nobody listens on a port out of the range that the system gives to outgoing
+/// connections, an attempt can be given that same port, and then it meets itself.
+bool NWConnectionBox::isConnectedToItself() const {
+  Error error;
+  return connection_.local_endpoint(error) == endpoint_;
+}
+
+void NWConnectionBox::sendRequest() {
+  const std::string_view rest = request_.view().substr(sentBytes_);
+  connection_.async_send(
+      asio::buffer(rest),
+      [self = shared_from_this()](Error error, std::size_t count) { self->sent(error, count); });
+}
+
+void NWConnectionBox::sent(Error error, std::size_t count) {
+  if (error) return finish(std::nullopt);
+  sentBytes_ += count;
+  if (sentBytes_ < request_.size()) return sendRequest();
+  receive();
+}
+
+void NWConnectionBox::receive() {
+  // Most replies are small; the first piece that fills its room tells a big one.
+  constexpr std::size_t firstRoom = 16384;
+  const std::size_t room = reply_.isEmpty() ? firstRoom : reply_.left();
+  connection_.async_receive(asio::buffer(reply_.room(room), room),
+                            [self = shared_from_this()](Error error, std::size_t count) {
+                              self->received(error, count);
+                            });
+}
+
+void NWConnectionBox::received(Error error, std::size_t count) {
+  if (finished_) return;
+  reply_.received(count);
+  if (error || reply_.isWhole() || reply_.left() == 0) return deliver();
+  waitForMore();
+  receive();
+}
+
+void NWConnectionBox::waitForMore() {
+  timer_.expires_after(silenceAfterReply);
+  timer_.async_wait([self = shared_from_this()](Error error) {
+    if (!error) self->fellSilent();
+  });
+}
+
+/// On a busy machine the time may be up although more has come in meanwhile.
+void NWConnectionBox::fellSilent() {
+  Error ignored;
+  if (connection_.available(ignored) > 0) return waitForMore();
+  deliver();
+}
+
+void NWConnectionBox::deliver() {
+  finish(reply_.isEmpty() ? std::nullopt : std::optional(std::move(reply_)));
+}
+
+void NWConnectionBox::finish(std::optional<Reply> reply) {
+  if (finished_) return;
+  finished_ = true;
+  completion_(std::move(reply));
+  Error ignored;
+  connection_.close(ignored);
+  timer_.cancel();
+}
+
+}  // namespace bridge
