@@ -1,0 +1,73 @@
+#include "server/line_reader.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace server {
+namespace {
+
+void waitUntilReadable(int descriptor) {
+  pollfd wait{.fd = descriptor, .events = POLLIN, .revents = 0};
+  poll(&wait, 1, -1);
+}
+
+}  // namespace
+
+std::optional<std::string_view> LineReader::next() {
+  std::size_t searched = 0;
+  while (true) {
+    const std::size_t lineFeed = rest().find('\n', searched);
+    if (lineFeed != std::string_view::npos) {
+      std::string_view line = take(lineFeed + 1);
+      line.remove_suffix(1);
+      if (line.ends_with('\r')) line.remove_suffix(1);
+      return line;
+    }
+    searched = rest().size();
+    if (!readMore()) break;
+  }
+  if (rest().empty()) return std::nullopt;
+  return take(rest().size());
+}
+
+std::string_view LineReader::take(std::size_t length) {
+  const std::string_view taken = rest().substr(0, length);
+  begin_ += length;
+  return taken;
+}
+
+bool LineReader::readMore() {
+  constexpr std::size_t piece = 65536;
+  dropTakenLines();
+  while (true) {
+    const ssize_t count = read(input_, bytes_.room(piece), piece);
+    if (count > 0) {
+      bytes_.commit(static_cast<std::size_t>(count));
+      return true;
+    }
+    if (count == 0) return false;
+    if (errno == EAGAIN || errno == EWOULDBLOCK) {
+      waitUntilReadable(input_);
+    } else if (errno != EINTR) {
+      return false;
+    }
+  }
+}
+
+/// A line of many megabytes leaves its room to the system again.
+void LineReader::dropTakenLines() {
+  constexpr std::size_t roomToKeep = 1U << 20U;
+  if (begin_ == 0) return;
+  if (bytes_.capacity() <= roomToKeep) {
+    bytes_.dropFront(begin_);
+  } else {
+    json::Text fresh;
+    fresh.append(rest());
+    bytes_ = std::move(fresh);
+  }
+  begin_ = 0;
+}
+
+}  // namespace server
