@@ -42,6 +42,9 @@ class Buffer {
   [[nodiscard]] T& operator[](std::size_t index) { return items_.get()[index]; }
   [[nodiscard]] const T& operator[](std::size_t index) const { return items_.get()[index]; }
 
+  /// The value at the end; there must be one.
+  [[nodiscard]] T& last() { return items_.get()[size_ - 1]; }
+
   /// Makes sure that `count` further values fit, and returns where the first would stand.
   /// They become part of the buffer with commit().
   T* room(std::size_t count) {

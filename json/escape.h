@@ -14,6 +14,21 @@ struct Escape {
 /// string that ends at `end`.
 Escape readEscape(const char* from, const char* end);
 
+/// Whether a backslash and this letter are a whole escape.
+constexpr bool isShortEscape(char letter) {
+  switch (letter) {
+    case '"':
+    case '\\':
+    case '/':
+    case 'b':
+    case 'f':
+    case 'n':
+    case 'r':
+    case 't': return true;
+    default: return false;
+  }
+}
+
 /// The value of a hexadecimal digit, or -1.
 constexpr int hexValue(char digit) {
   if (digit >= '0' && digit <= '9') return digit - '0';

@@ -1,6 +1,8 @@
 #include "json/layout.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #include "json/escape.h"
 #include "json/members.h"
@@ -14,104 +16,179 @@ namespace {
 struct Compact : Plain {
   static constexpr auto order = MemberStack::Order::asGiven;
   static constexpr std::string_view colon = ":";
-  static void breakLine(Text& /*out*/, std::size_t /*level*/) {}
+  static constexpr bool breaksLines = false;
 };
 
 /// A line for each member and element.
 struct PrettyQuoted : Quoted {
   static constexpr auto order = MemberStack::Order::byName;
   static constexpr std::string_view colon = " : ";
-  static void breakLine(Text& out, std::size_t level) {
-    out.append(newLine);
-    const std::size_t blanks = 2 * level;
-    std::memset(out.room(blanks), ' ', blanks);
-    out.commit(blanks);
-  }
+  static constexpr bool breaksLines = true;
 };
+
+/// The end of a text that is being written. The place where the next byte goes is handed from
+/// function to function rather than kept, so that it stays in a register.
+class Sink {
+ public:
+  explicit Sink(Text& out) : out_(out), begin_(out.room(0)), limit_(begin_) {}
+
+  [[nodiscard]] char* begin() const { return begin_; }
+
+  /// Makes sure of room for `size` bytes at `to`, which may move.
+  char* reserve(char* to, std::size_t size) {
+    return static_cast<std::size_t>(limit_ - to) < size ? grow(to, size) : to;
+  }
+
+  /// Takes everything up to `to` into the text.
+  void finish(char* to) { out_.commit(static_cast<std::size_t>(to - begin_)); }
+
+ private:
+  char* grow(char* to, std::size_t size) {
+    finish(to);
+    begin_ = out_.room(std::max(size, leastRoom));
+    limit_ = begin_ + (out_.capacity() - out_.size());
+    return begin_;
+  }
+
+  static constexpr std::size_t leastRoom = 256;
+  Text& out_;
+  char* begin_;
+  char* limit_;
+};
+
+char* put(char* to, std::string_view bytes) {
+  std::memcpy(to, bytes.data(), bytes.size());
+  return to + bytes.size();
+}
 
 /// Writes a value and all that is inside it. Recursion is as deep as the value, which the
 /// reader has bounded.
 template <typename Style>
 class Layout {
  public:
-  explicit Layout(Text& out) : out_(out) {}
+  /// `text` is the message whose values are laid out.
+  Layout(Text& out, std::string_view text)
+      : sink_(out), text_(text.data()), textEnd_(text.data() + text.size()), members_(text) {}
 
-  void append(Value value, std::size_t level = 0) {
-    switch (value.kind()) {
-      case Kind::object: return appendObject(value, level);
-      case Kind::array: return appendArray(value, level);
-      case Kind::string: return appendString(value);
-      default: out_.append(value.token());
-    }
-  }
+  void append(const Node* value) { sink_.finish(append(value, 0, sink_.begin())); }
 
  private:
-  void appendObject(Value object, std::size_t level) {
-    out_.append('{');
+  // Enough for the punctuation around a member, its blanks not counted.
+  static constexpr std::size_t punctuation = 32;
+
+  char* append(const Node* value, std::size_t level, char* to) {
+    switch (value->kind()) {
+      case Kind::object: return appendObject(value, level, to);
+      case Kind::array: return appendArray(value, level, to);
+      case Kind::string: return appendString(value, to);
+      default: break;
+    }
+    to = sink_.reserve(to, value->extent() + scanBlock);
+    return copyShort(text_ + value->begin(), value->extent(), textEnd_, to);
+  }
+
+  char* appendObject(const Node* object, std::size_t level, char* to) {
     const std::size_t first = members_.enter(object, Style::order);
     const std::size_t end = members_.size();
+    to = put(sink_.reserve(to, punctuation), "{");
     for (std::size_t i = first; i < end; ++i) {
-      const Node* const key = members_[i].key;
-      if (i > first) out_.append(',');
-      Style::breakLine(out_, level + 1);
-      appendString({object.text(), key});
-      out_.append(Style::colon);
-      append({object.text(), key + 1}, level + 1);
+      const Node* const name = members_[i].name;
+      to = startItem(i == first, level, to);
+      to = appendString(name, to);
+      to = put(sink_.reserve(to, punctuation), Style::colon);
+      to = append(name + 1, level + 1, to);
     }
     members_.leave(first);
-    if (end > first) Style::breakLine(out_, level);
-    out_.append('}');
+    return put(finishItems(first == end, level, to), "}");
   }
 
-  void appendArray(Value array, std::size_t level) {
-    out_.append('[');
-    const Node* const first = array.node() + 1;
-    const Node* const end = array.node()->next();
+  char* appendArray(const Node* array, std::size_t level, char* to) {
+    const Node* const first = array + 1;
+    const Node* const end = array->next();
+    to = put(sink_.reserve(to, punctuation), "[");
     for (const Node* element = first; element != end; element = element->next()) {
-      if (element != first) out_.append(',');
-      Style::breakLine(out_, level + 1);
-      append({array.text(), element}, level + 1);
+      to = startItem(element == first, level, to);
+      to = append(element, level + 1, to);
     }
-    if (end != first) Style::breakLine(out_, level);
-    out_.append(']');
+    return put(finishItems(first == end, level, to), "]");
   }
 
-  void appendString(Value string) {
-    const std::string_view token = string.token();
-    out_.append(Style::quote);
-    if (string.node()->isClean()) {
-      out_.append(token);
-    } else {
-      appendRespelled(token.data(), token.data() + token.size());
-    }
-    out_.append(Style::quote);
+  char* startItem(bool isFirst, std::size_t level, char* to) {
+    to = sink_.reserve(to, punctuation + indent * (level + 1));
+    if (!isFirst) to = put(to, ",");
+    return breakLine(level + 1, to);
   }
 
-  /// Escapes may be written in more than one way; here each gets the writer's.
-  void appendRespelled(const char* from, const char* end) {
+  char* finishItems(bool isEmpty, std::size_t level, char* to) {
+    to = sink_.reserve(to, punctuation + indent * level);
+    return isEmpty ? to : breakLine(level, to);
+  }
+
+  static char* breakLine(std::size_t level, char* to) {
+    if constexpr (Style::breaksLines) {
+      to = put(to, Style::newLine);
+      for (std::size_t i = 0; i < level; ++i) to = put(to, "  ");
+    }
+    return to;
+  }
+
+  char* appendString(const Node* string, char* to) {
+    constexpr std::ptrdiff_t piece = 16384;
+    const char* from = text_ + string->begin();
+    const char* const end = from + string->extent();
+    to = put(sink_.reserve(to, punctuation), Style::quote);
+    while (from != end) {
+      const char* const stop = from + std::min(piece, end - from);
+      const auto size = static_cast<std::size_t>(stop - from);
+      to = sink_.reserve(to, mostForOne * size + longestCharacter + scanBlock + punctuation);
+      const Copied copied = respell(from, stop, end, to);
+      from = copied.from;
+      to = copied.to;
+    }
+    return put(to, Style::quote);
+  }
+
+  /// Copies a string from `from` to `stop`, or a little further if an escape crosses it.
+  /// Escapes may be written in more than one way: here each gets the writer's.
+  Copied respell(const char* from, const char* stop, const char* end, char* to) const {
     while (true) {
-      const char* const stop = scan<StopAt::backslashOrSlash>(from, end);
-      out_.append({from, stop});
-      if (stop == end) return;
-      const Escape escape = *stop == '/' ? Escape{'/', 1} : readEscape(stop, end);
-      appendCharacter<Style>(out_, escape.codePoint);
-      from = stop + escape.length;
+      const Copied copied = copyScan<StopAt::respelled>(from, stop, textEnd_, to);
+      from = copied.from;
+      to = copied.to;
+      if (from == stop) return {from, to};
+      if (*from == '/') {
+        to = writeShortEscape<Style>(to, '/');
+        ++from;
+      } else if (from[1] != 'u') {
+        to = writeShortEscape<Style>(to, from[1]);
+        from += 2;
+      } else {
+        const Escape escape = readEscape(from, end);
+        to = writeCharacter<Style>(to, escape.codePoint);
+        from += escape.length;
+      }
+      if (from >= stop) return {from, to};
     }
   }
 
-  Text& out_;
+  static constexpr std::size_t indent = 2;
+  static constexpr std::size_t mostForOne = 4;  // a slash can become four bytes
+
+  Sink sink_;
+  const char* text_;
+  const char* textEnd_;
   MemberStack members_;
 };
 
 }  // namespace
 
 void appendCompact(Text& out, Value value) {
-  Layout<Compact>(out).append(value);
+  Layout<Compact>(out, value.text()).append(value.node());
 }
 
 void appendPrettyQuoted(Text& out, Value value) {
   out.append('"');
-  Layout<PrettyQuoted>(out).append(value);
+  Layout<PrettyQuoted>(out, value.text()).append(value.node());
   out.append('"');
 }
 
@@ -120,12 +197,13 @@ void appendQuoted(Text& out, std::string_view characters) {
   const char* const end = from + characters.size();
   out.append('"');
   while (true) {
-    const char* const stop = scan<StopAt::whatMustBeEscaped>(from, end);
+    const char* const stop = scan<StopAt::mustBeEscaped>(from, end);
     out.append({from, stop});
     if (stop == end) break;
     // All that is looked for is one byte long, save what 0xED begins.
     const std::ptrdiff_t length = *stop == '\xED' ? 3 : 1;
-    appendCharacter<Plain>(out, decodeUtf8(stop, length));
+    char* const to = out.room(longestCharacter);
+    out.commit(static_cast<std::size_t>(writeCharacter<Plain>(to, decodeUtf8(stop, length)) - to));
     from = stop + length;
   }
   out.append('"');

@@ -3,44 +3,64 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <string>
+
+#include "json/value.h"
 
 namespace json {
 namespace {
 
-std::uint64_t headOf(std::string_view name) {
+/// The first eight of the `size` bytes at `from`, zeroes for those that are not there.
+/// `readable` is where the memory ends that may be looked at.
+std::uint64_t firstEightBytes(const char* from, std::size_t size, const char* readable) {
+  constexpr std::size_t eight = sizeof(std::uint64_t);
   std::uint64_t head = 0;
-  std::memcpy(&head, name.data(), std::min(name.size(), sizeof head));
-  return std::endian::native == std::endian::little ? std::byteswap(head) : head;
-}
-
-bool sameName(const Member& a, const Member& b) {
-  return a.head == b.head && a.name == b.name;
-}
-
-/// By name, and the last given first where a name is given twice.
-bool comesBefore(const Member& a, const Member& b) {
-  if (a.head != b.head) return a.head < b.head;
-  const int order = a.name.compare(b.name);
-  return order != 0 ? order < 0 : a.key > b.key;
+  const bool inOneGo = readable - from >= static_cast<std::ptrdiff_t>(eight);
+  std::memcpy(&head, from, inOneGo ? eight : std::min(size, eight));
+  if constexpr (std::endian::native == std::endian::little) head = std::byteswap(head);
+  if (size >= eight) return head;
+  return size == 0 ? 0 : head & ~std::uint64_t{0} << 8 * (eight - size);
 }
 
 }  // namespace
 
-std::size_t MemberStack::enter(Value object, Order order) {
+std::uint64_t MemberStack::headOf(const Node* name) const {
+  if (name->isClean()) {
+    return firstEightBytes(text_.data() + name->begin(), name->extent(),
+                           text_.data() + text_.size());
+  }
+  const std::string decoded = *Value(text_, name).string();
+  return firstEightBytes(decoded.data(), decoded.size(), decoded.data() + decoded.size());
+}
+
+/// Below, at or above 0. Nearly always the heads tell.
+int MemberStack::compareNames(const Member& a, const Member& b) const {
+  if (a.head != b.head) return a.head < b.head ? -1 : 1;
+  const Value nameOfA(text_, a.name);
+  const Value nameOfB(text_, b.name);
+  if (a.name->isClean() && b.name->isClean()) return nameOfA.token().compare(nameOfB.token());
+  return nameOfA.string()->compare(*nameOfB.string());
+}
+
+std::size_t MemberStack::enter(const Node* object, Order order) {
   const std::size_t first = members_.size();
-  const Node* const end = object.node()->next();
-  for (const Node* key = object.node() + 1; key != end; key = (key + 1)->next()) {
-    const Value written(object.text(), key);
-    const std::string_view name =
-        key->isClean() ? written.token() : decoded_.emplace_back(*written.string());
-    members_.push_back({headOf(name), name, key});
+  const Node* const end = object->next();
+  for (const Node* name = object + 1; name != end; name = (name + 1)->next()) {
+    members_.push_back({headOf(name), name});
   }
   const auto begin = members_.begin() + static_cast<std::ptrdiff_t>(first);
-  std::sort(begin, members_.end(), comesBefore);
+  // Where a name is given twice, the last one comes first, and the others are dropped.
+  std::sort(begin, members_.end(), [this](const Member& a, const Member& b) {
+    const int names = compareNames(a, b);
+    return names != 0 ? names < 0 : a.name > b.name;
+  });
+  const auto sameName = [this](const Member& a, const Member& b) {
+    return compareNames(a, b) == 0;
+  };
   members_.erase(std::unique(begin, members_.end(), sameName), members_.end());
   if (order == Order::asGiven) {
     std::sort(begin, members_.end(),
-              [](const Member& a, const Member& b) { return a.key < b.key; });
+              [](const Member& a, const Member& b) { return a.name < b.name; });
   }
   return first;
 }

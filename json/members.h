@@ -2,42 +2,44 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
-#include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
-#include "json/value.h"
+#include "json/node.h"
 
 namespace json {
 
-/// A member of an object, with what its place in the order of names is decided by.
+/// A member of an object, with what mostly decides its place in the order of names.
 struct Member {
-  std::uint64_t head;     ///< the first eight bytes of the name, the first one the highest
-  std::string_view name;  ///< decoded
-  const Node* key;        ///< its value's node is the next one
+  std::uint64_t head;  ///< the first eight bytes of the name, the first one the highest
+  const Node* name;    ///< its value's node is the next one
 };
 
 /// The members of objects inside one another, for a walk that goes through all of them.
 ///
-/// Objects are entered and left like brackets; the rooms of one object serve the next, so
+/// Objects are entered and left like brackets; the room of one object serves the next, so
 /// that a listing of many small objects costs no allocation for each.
 class MemberStack {
  public:
   enum class Order : std::uint8_t { asGiven, byName };
 
+  /// `text` is the message that all the objects are in.
+  explicit MemberStack(std::string_view text) : text_(text) {}
+
   /// Puts the members of an object on the stack, of each name only the last, and returns
   /// the index of the first; size() is the index behind the last.
-  std::size_t enter(Value object, Order order);
+  std::size_t enter(const Node* object, Order order);
   void leave(std::size_t first) { members_.resize(first); }
 
   [[nodiscard]] std::size_t size() const { return members_.size(); }
   [[nodiscard]] const Member& operator[](std::size_t index) const { return members_[index]; }
 
  private:
+  [[nodiscard]] std::uint64_t headOf(const Node* name) const;
+  [[nodiscard]] int compareNames(const Member& a, const Member& b) const;
+
+  std::string_view text_;
   std::vector<Member> members_;
-  std::deque<std::string> decoded_;  // names that had escapes; never move
 };
 
 }  // namespace json

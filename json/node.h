@@ -28,8 +28,8 @@ class Node {
     packed_ = (packed_ & (kindBits | cleanBit)) | extent << extentShift;
   }
 
-  /// Whether a string is clean: it holds no escape and no slash, so that its bytes between
-  /// the quotes are its decoded value and the writer's spelling of it as well.
+  /// Whether a string is clean: it holds no escape, so that its bytes between the quotes are
+  /// its characters.
   [[nodiscard]] bool isClean() const { return (packed_ & cleanBit) != 0; }
   void setClean() { packed_ |= cleanBit; }
 

@@ -35,6 +35,10 @@ class NumberScan {
   static constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
   static constexpr State next(State state, char c);
 
+  [[nodiscard]] bool isRunOfDigits() const {
+    return state_ == integer || state_ == fraction || state_ == exponent;
+  }
+
   State state_ = start;
 };
 
@@ -56,6 +60,7 @@ constexpr NumberScan::State NumberScan::next(State state, char c) {
 
 inline const char* NumberScan::read(const char* from, const char* end) {
   for (; from != end; ++from) {
+    if (isDigit(*from) && isRunOfDigits()) continue;
     const State following = next(state_, *from);
     if (following == stop) break;
     state_ = following;

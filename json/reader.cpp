@@ -8,6 +8,17 @@
 #include "json/utf8.h"
 
 namespace json {
+namespace {
+
+bool isWhiteSpace(char c) {
+  return c == ' ' || c == '\n' || c == '\r' || c == '\t';
+}
+
+std::string_view between(const char* from, const char* end) {
+  return {from, end};
+}
+
+}  // namespace
 
 std::optional<Document> read(std::string_view text) {
   Reader reader;
@@ -15,14 +26,16 @@ std::optional<Document> read(std::string_view text) {
   return std::move(reader).take(text);
 }
 
-Reader::State Reader::read(std::string_view text) {
+// All steps are made part of this one function, so that the place in the text stays in a
+// register: big listings are read twice as fast for it.
+[[gnu::flatten]] Reader::State Reader::read(std::string_view text) {
   if (state_ == State::malformed) return state_;
   begin_ = text.data();
   end_ = begin_ + text.size();
-  at_ = begin_ + offset_;
+  const char* at = begin_ + offset_;
   Step outcome = Step::on;
-  while (outcome == Step::on) outcome = step();
-  offset_ = offset();
+  while (outcome == Step::on) outcome = step(at);
+  offset_ = offsetOf(at);
   if (outcome == Step::wrong) {
     state_ = State::malformed;
   } else if (next_ == Next::nothing) {
@@ -31,169 +44,181 @@ Reader::State Reader::read(std::string_view text) {
   return state_;
 }
 
-Reader::Step Reader::step() {
+Reader::Step Reader::step(const char*& at) {
   switch (next_) {
-    case Next::byteOrderMark: return readByteOrderMark();
-    case Next::insideName: return readString(Next::colon);
-    case Next::insideString: return readString(Next::commaOrEnd);
-    case Next::insideNumber: return readNumber();
+    case Next::insideName: return readName(at);
+    case Next::insideString: return readString(at);
+    case Next::insideNumber: return readNumber(at);
+    case Next::byteOrderMark: return readByteOrderMark(at);
     default: break;
   }
-  if (!skipWhiteSpace()) return Step::wait;
-  const char first = *at_;
+  while (at != end_ && isWhiteSpace(*at)) ++at;
+  if (at == end_) return Step::wait;
   switch (next_) {
-    case Next::topLevel: return first == '{' || first == '[' ? readValue(first) : Step::wrong;
-    case Next::firstElement: return first == ']' ? closeContainer() : readValue(first);
-    case Next::value: return readValue(first);
-    case Next::firstName: return first == '}' ? closeContainer() : readName(first);
-    case Next::name: return readName(first);
-    case Next::colon:
-      if (first != ':') return Step::wrong;
-      ++at_;
-      next_ = Next::value;
-      return Step::on;
-    case Next::commaOrEnd: return readCommaOrEnd(first);
-    default: return Step::wrong;  // something behind the message's end
+    case Next::value: return readValue(at);
+    case Next::commaOrEnd: return readCommaOrEnd(at);
+    case Next::name: return beginName(at);
+    case Next::firstName: return *at == '}' ? closeContainer(at) : beginName(at);
+    case Next::firstElement: return *at == ']' ? closeContainer(at) : readValue(at);
+    case Next::colon: return readColon(at);
+    case Next::topLevel: return *at == '{' || *at == '[' ? readValue(at) : Step::wrong;
+    default: return Step::wrong;  // something behind the end of the message
   }
 }
 
-bool Reader::skipWhiteSpace() {
-  while (at_ != end_ && (*at_ == ' ' || *at_ == '\n' || *at_ == '\r' || *at_ == '\t')) ++at_;
-  return at_ != end_;
-}
-
-Reader::Step Reader::readByteOrderMark() {
+Reader::Step Reader::readByteOrderMark(const char*& at) {
   constexpr std::string_view mark = "\xEF\xBB\xBF";
-  const std::string_view start(at_, static_cast<std::size_t>(end_ - at_));
+  const std::string_view start = between(at, end_);
   if (start.size() < mark.size() && mark.starts_with(start)) return Step::wait;
-  if (start.starts_with(mark)) at_ += mark.size();
+  if (start.starts_with(mark)) at += mark.size();
   next_ = Next::topLevel;
   return Step::on;
 }
 
-Reader::Step Reader::readValue(char first) {
-  switch (first) {
-    case '{': return openContainer(Kind::object);
-    case '[': return openContainer(Kind::array);
-    case '"': beginString(Next::insideString); return Step::on;
-    case 't': return readLiteral(Kind::trueLiteral, "true");
-    case 'f': return readLiteral(Kind::falseLiteral, "false");
-    case 'n': return readLiteral(Kind::null, "null");
-    default:
-      addNode(Kind::number);
-      number_ = NumberScan();
-      next_ = Next::insideNumber;
-      return Step::on;
+Reader::Step Reader::readValue(const char*& at) {
+  switch (*at) {
+    case '"': beginString(at, Next::insideString); return readString(at);
+    case '{': return openContainer(at, Kind::object);
+    case '[': return openContainer(at, Kind::array);
+    case 't': return readLiteral(at, Kind::trueLiteral, "true");
+    case 'f': return readLiteral(at, Kind::falseLiteral, "false");
+    case 'n': return readLiteral(at, Kind::null, "null");
+    default: break;
   }
+  addNode(Kind::number, at);
+  number_ = NumberScan();
+  next_ = Next::insideNumber;
+  return readNumber(at);
 }
 
-Reader::Step Reader::readName(char first) {
-  if (first != '"') return Step::wrong;
-  beginString(Next::insideName);
+Reader::Step Reader::beginName(const char*& at) {
+  if (*at != '"') return Step::wrong;
+  beginString(at, Next::insideName);
+  return readName(at);
+}
+
+Reader::Step Reader::readName(const char*& at) {
+  const Step step = readCharacters(at);
+  if (step != Step::on) return step;
+  next_ = Next::colon;
+  return at != end_ && *at == ':' ? readColon(at) : Step::on;
+}
+
+Reader::Step Reader::readColon(const char*& at) {
+  if (*at != ':') return Step::wrong;
+  ++at;
+  next_ = Next::value;
   return Step::on;
 }
 
-Reader::Step Reader::readCommaOrEnd(char first) {
-  const bool inObject = nodes_[open_[depth_ - 1]].kind() == Kind::object;
-  if (first == (inObject ? '}' : ']')) return closeContainer();
-  if (first != ',') return Step::wrong;
-  ++at_;
-  next_ = inObject ? Next::name : Next::value;
+Reader::Step Reader::readCommaOrEnd(const char*& at) {
+  if (*at == (inObject_ ? '}' : ']')) return closeContainer(at);
+  if (*at != ',') return Step::wrong;
+  ++at;
+  next_ = inObject_ ? Next::name : Next::value;
   return Step::on;
 }
 
-void Reader::beginString(Next inside) {
-  ++at_;
-  addNode(Kind::string);
+void Reader::beginString(const char*& at, Next inside) {
+  ++at;
+  addNode(Kind::string, at);
   clean_ = true;
   next_ = inside;
 }
 
-Reader::Step Reader::readString(Next after) {
-  at_ = scan<StopAt::anythingUnusual>(at_, end_);
-  if (at_ == end_) return Step::wait;
-  if (*at_ != '"') return readUnusual();
-  Node& string = lastNode();
-  string.setExtent(offset() - string.begin());
-  if (clean_) string.setClean();
-  ++at_;
-  next_ = after;
+Reader::Step Reader::readString(const char*& at) {
+  const Step step = readCharacters(at);
+  if (step == Step::on) next_ = Next::commaOrEnd;
+  return step;
+}
+
+/// Up to and past the closing quote.
+Reader::Step Reader::readCharacters(const char*& at) {
+  while (true) {
+    at = scan<StopAt::unusual>(at, end_);
+    if (at == end_) return Step::wait;
+    if (*at == '"') break;
+    const Step step = *at == '\\' ? readEscape(at) : readNonAscii(at);
+    if (step != Step::on) return step;
+  }
+  endToken(at);
+  if (clean_) nodes_.last().setClean();
+  ++at;
   return Step::on;
 }
 
-Reader::Step Reader::readUnusual() {
-  switch (*at_) {
-    case '/':
-      clean_ = false;
-      ++at_;
-      return Step::on;
-    case '\\': clean_ = false; return readEscape();
-    default: break;
-  }
-  while (at_ != end_ && static_cast<unsigned char>(*at_) >= 0x80) {
-    const Utf8Sequence sequence = utf8Sequence(at_, end_);
-    if (sequence.state == Utf8Sequence::State::cutShort) return Step::wait;
-    if (sequence.state == Utf8Sequence::State::illFormed) return Step::wrong;
-    at_ += sequence.length;
-  }
-  const bool controlCharacter = at_ != end_ && static_cast<unsigned char>(*at_) < 0x20;
-  return controlCharacter ? Step::wrong : Step::on;
-}
-
-Reader::Step Reader::readEscape() {
-  constexpr std::string_view shortForms = "\"\\/bfnrt";
+Reader::Step Reader::readEscape(const char*& at) {
   constexpr std::ptrdiff_t unicodeLength = 6;  // \uXXXX
-  const std::ptrdiff_t present = end_ - at_;
+  clean_ = false;
+  const std::ptrdiff_t present = end_ - at;
   if (present < 2) return Step::wait;
-  if (at_[1] != 'u') {
-    if (shortForms.find(at_[1]) == std::string_view::npos) return Step::wrong;
-    at_ += 2;
+  if (isShortEscape(at[1])) {
+    at += 2;
     return Step::on;
   }
+  if (at[1] != 'u') return Step::wrong;
   for (std::ptrdiff_t i = 2; i < std::min(present, unicodeLength); ++i) {
-    if (hexValue(at_[i]) < 0) return Step::wrong;
+    if (hexValue(at[i]) < 0) return Step::wrong;
   }
   if (present < unicodeLength) return Step::wait;
-  at_ += unicodeLength;
+  at += unicodeLength;
   return Step::on;
 }
 
-Reader::Step Reader::readNumber() {
-  at_ = number_.read(at_, end_);
-  if (at_ == end_) return Step::wait;
+Reader::Step Reader::readNonAscii(const char*& at) {
+  using enum Utf8Sequence::State;
+  const Utf8Sequence sequence = utf8Sequence(at, end_);
+  if (sequence.state == cutShort) return Step::wait;
+  if (sequence.state == illFormed) return Step::wrong;  // a control character, too
+  at += sequence.length;
+  return Step::on;
+}
+
+Reader::Step Reader::readNumber(const char*& at) {
+  at = number_.read(at, end_);
+  if (at == end_) return Step::wait;
   if (!number_.isNumber()) return Step::wrong;
-  Node& number = lastNode();
-  number.setExtent(offset() - number.begin());
+  endToken(at);
   next_ = Next::commaOrEnd;
   return Step::on;
 }
 
-Reader::Step Reader::readLiteral(Kind kind, std::string_view spelling) {
-  const std::string_view rest(at_, static_cast<std::size_t>(end_ - at_));
-  if (rest.size() < spelling.size()) return spelling.starts_with(rest) ? Step::wait : Step::wrong;
-  if (!rest.starts_with(spelling)) return Step::wrong;
-  addNode(kind);
-  lastNode().setExtent(spelling.size());
-  at_ += spelling.size();
+Reader::Step Reader::readLiteral(const char*& at, Kind kind, std::string_view spelling) {
+  const std::string_view rest = between(at, end_).substr(0, spelling.size());
+  if (!spelling.starts_with(rest)) return Step::wrong;
+  if (rest.size() < spelling.size()) return Step::wait;
+  addNode(kind, at);
+  at += spelling.size();
+  endToken(at);
   next_ = Next::commaOrEnd;
   return Step::on;
 }
 
-Reader::Step Reader::openContainer(Kind kind) {
+Reader::Step Reader::openContainer(const char*& at, Kind kind) {
   if (depth_ == deepestNesting) return Step::wrong;
   open_[depth_++] = nodes_.size();
-  addNode(kind);
-  ++at_;
-  next_ = kind == Kind::object ? Next::firstName : Next::firstElement;
+  addNode(kind, at);
+  ++at;
+  inObject_ = kind == Kind::object;
+  next_ = inObject_ ? Next::firstName : Next::firstElement;
   return Step::on;
 }
 
-Reader::Step Reader::closeContainer() {
+Reader::Step Reader::closeContainer(const char*& at) {
   const std::size_t container = open_[--depth_];
   nodes_[container].setExtent(nodes_.size() - container - 1);
-  ++at_;
+  ++at;
   next_ = depth_ == 0 ? Next::nothing : Next::commaOrEnd;
+  inObject_ = depth_ > 0 && nodes_[open_[depth_ - 1]].kind() == Kind::object;
   return Step::on;
+}
+
+void Reader::addNode(Kind kind, const char* at) {
+  nodes_.push(Node(kind, offsetOf(at)));
+}
+
+void Reader::endToken(const char* at) {
+  nodes_.last().setExtent(offsetOf(at) - nodes_.last().begin());
 }
 
 }  // namespace json

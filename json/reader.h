@@ -60,36 +60,40 @@ class Reader {
   /// How a step ended: go on with the next, wait for more text, or give up.
   enum class Step : std::uint8_t { on, wait, wrong };
 
-  Step step();
-  Step readByteOrderMark();
-  Step readValue(char first);
-  Step readName(char first);
-  Step readCommaOrEnd(char first);
-  Step readString(Next after);
-  Step readUnusual();
-  Step readEscape();
-  Step readNumber();
-  Step readLiteral(Kind kind, std::string_view spelling);
-  Step openContainer(Kind kind);
-  Step closeContainer();
-  void beginString(Next inside);
-  void addNode(Kind kind) { nodes_.push(Node(kind, offset())); }
-  bool skipWhiteSpace();
+  // `at` is the first byte not read yet; steps move it on.
+  Step step(const char*& at);
+  Step readByteOrderMark(const char*& at);
+  Step readValue(const char*& at);
+  Step beginName(const char*& at);
+  Step readName(const char*& at);
+  Step readColon(const char*& at);
+  Step readCommaOrEnd(const char*& at);
+  void beginString(const char*& at, Next inside);
+  Step readString(const char*& at);
+  Step readCharacters(const char*& at);
+  Step readEscape(const char*& at);
+  Step readNonAscii(const char*& at);
+  Step readNumber(const char*& at);
+  Step readLiteral(const char*& at, Kind kind, std::string_view spelling);
+  Step openContainer(const char*& at, Kind kind);
+  Step closeContainer(const char*& at);
 
-  [[nodiscard]] std::size_t offset() const { return static_cast<std::size_t>(at_ - begin_); }
-  [[nodiscard]] Node& lastNode() { return nodes_[nodes_.size() - 1]; }
+  void addNode(Kind kind, const char* at);
+  void endToken(const char* at);
+  [[nodiscard]] std::size_t offsetOf(const char* at) const {
+    return static_cast<std::size_t>(at - begin_);
+  }
 
-  // The text of the current call, and the first byte not read yet.
-  const char* begin_ = nullptr;
+  const char* begin_ = nullptr;  // the text of the current call
   const char* end_ = nullptr;
-  const char* at_ = nullptr;
-  std::size_t offset_ = 0;  // that byte's place, from one call to the next
+  std::size_t offset_ = 0;  // of the first byte not read yet, from one call to the next
 
   Buffer<Node> nodes_;
   std::array<std::size_t, deepestNesting> open_;  // the containers around it, by their nodes
   std::size_t depth_ = 0;
   NumberScan number_;
-  bool clean_ = true;  // of the string being read
+  bool clean_ = true;      // the string being read, so far
+  bool inObject_ = false;  // the innermost open container is one
   Next next_ = Next::byteOrderMark;
   State state_ = State::incomplete;
 };

@@ -1,11 +1,13 @@
 #pragma once
 
 // Finds the next byte of a string that needs a second look, sixteen bytes at a time where
-// the processor can. All of the relay's time on big messages is spent here or in memcpy.
+// the processor can. Most of the relay's time on big messages is spent here or in memcpy.
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -17,77 +19,81 @@ namespace json {
 
 /// What a scan looks for.
 enum class StopAt : std::uint8_t {
-  anythingUnusual,   ///< in a string being read: `"`, `\`, `/`, control characters, non-ASCII
-  backslashOrSlash,  ///< in a string known to be well-formed: what the writer may spell anew
-  whatMustBeEscaped  ///< in text to be quoted: `"`, `\`, `/`, control characters, 0xED, which
-                     ///< begins the three bytes of an unpaired surrogate
+  unusual,       ///< in a string being read: `"`, `\`, control characters, non-ASCII
+  respelled,     ///< in a string that is well-formed: `\` and `/`, which may be spelled anew
+  mustBeEscaped  ///< in text to be quoted: `"`, `\`, `/`, control characters, and 0xED, which
+                 ///< begins the three bytes of an unpaired surrogate
 };
 
 template <StopAt stop>
 constexpr bool stopsAt(char c) {
-  if (c == '\\' || c == '/') return true;
-  if constexpr (stop == StopAt::backslashOrSlash) {
-    return false;
-  } else {
-    const auto byte = static_cast<unsigned char>(c);
-    if (c == '"' || byte < 0x20) return true;
-    return stop == StopAt::anythingUnusual ? byte >= 0x80 : byte == 0xED;
+  const auto byte = static_cast<unsigned char>(c);
+  switch (stop) {
+    case StopAt::unusual: return c == '"' || c == '\\' || byte < 0x20 || byte >= 0x80;
+    case StopAt::respelled: return c == '\\' || c == '/';
+    case StopAt::mustBeEscaped: break;
   }
-}
-
-/// The first byte in [from, end) to stop at, or `end`. One byte at a time: for the last few
-/// bytes, for processors that the code below does not know, and to judge it in the tests.
-template <StopAt stop>
-const char* scanPlainly(const char* from, const char* end) {
-  while (from != end && !stopsAt<stop>(*from)) ++from;
-  return from;
+  return c == '"' || c == '\\' || c == '/' || byte < 0x20 || byte == 0xED;
 }
 
 #if defined(__SSE2__)
 
 inline constexpr std::ptrdiff_t scanBlock = 16;
+using Block = __m128i;
 
-/// How many bytes at `block` come before the first to stop at: 16 if there is none.
+inline Block loadBlock(const char* from) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+}
+inline void storeBlock(char* to, Block block) {
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), block);
+}
+
+/// How many bytes of the block come before the first to stop at: all 16 if there is none.
 template <StopAt stop>
-std::ptrdiff_t cleanBytes(const char* block) {
-  const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
-  __m128i found = _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\\')),
-                               _mm_cmpeq_epi8(bytes, _mm_set1_epi8('/')));
-  if constexpr (stop != StopAt::backslashOrSlash) {
-    found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8('"')));
-  }
-  if constexpr (stop == StopAt::anythingUnusual) {
+std::ptrdiff_t cleanBytes(Block bytes) {
+  const auto equal = [&](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
+  Block found = equal('\\');
+  if constexpr (stop != StopAt::unusual) found = _mm_or_si128(found, equal('/'));
+  if constexpr (stop != StopAt::respelled) found = _mm_or_si128(found, equal('"'));
+  if constexpr (stop == StopAt::unusual) {
     // As signed numbers, both control characters and non-ASCII bytes are below a blank.
     found = _mm_or_si128(found, _mm_cmplt_epi8(bytes, _mm_set1_epi8(' ')));
   }
-  if constexpr (stop == StopAt::whatMustBeEscaped) {
-    const __m128i lastControl = _mm_set1_epi8(0x1F);
-    found = _mm_or_si128(found, _mm_cmpeq_epi8(_mm_min_epu8(bytes, lastControl), bytes));
-    found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\xED')));
+  if constexpr (stop == StopAt::mustBeEscaped) {
+    const Block atMostLastControl = _mm_min_epu8(bytes, _mm_set1_epi8(0x1F));
+    found = _mm_or_si128(found, _mm_cmpeq_epi8(atMostLastControl, bytes));
+    found = _mm_or_si128(found, equal('\xED'));
   }
   const auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(found));
-  return std::countr_zero(mask | 0x10000U);
+  return std::countr_zero(mask | 1U << static_cast<unsigned>(scanBlock));
 }
 
 #elif defined(__aarch64__) && defined(__ARM_NEON)
 
 inline constexpr std::ptrdiff_t scanBlock = 16;
+using Block = uint8x16_t;
 
-/// How many bytes at `block` come before the first to stop at: 16 if there is none.
+inline Block loadBlock(const char* from) {
+  return vld1q_u8(reinterpret_cast<const std::uint8_t*>(from));
+}
+inline void storeBlock(char* to, Block block) {
+  vst1q_u8(reinterpret_cast<std::uint8_t*>(to), block);
+}
+
+/// How many bytes of the block come before the first to stop at: all 16 if there is none.
 template <StopAt stop>
-std::ptrdiff_t cleanBytes(const char* block) {
-  const uint8x16_t bytes = vld1q_u8(reinterpret_cast<const std::uint8_t*>(block));
-  uint8x16_t found = vorrq_u8(vceqq_u8(bytes, vdupq_n_u8('\\')), vceqq_u8(bytes, vdupq_n_u8('/')));
-  if constexpr (stop != StopAt::backslashOrSlash) {
-    found = vorrq_u8(found, vceqq_u8(bytes, vdupq_n_u8('"')));
+std::ptrdiff_t cleanBytes(Block bytes) {
+  const auto equal = [&](std::uint8_t c) { return vceqq_u8(bytes, vdupq_n_u8(c)); };
+  Block found = equal('\\');
+  if constexpr (stop != StopAt::unusual) found = vorrq_u8(found, equal('/'));
+  if constexpr (stop != StopAt::respelled) {
+    found = vorrq_u8(found, equal('"'));
     found = vorrq_u8(found, vcltq_u8(bytes, vdupq_n_u8(' ')));
   }
-  if constexpr (stop == StopAt::anythingUnusual) {
+  if constexpr (stop == StopAt::unusual) {
     found = vorrq_u8(found, vcgeq_u8(bytes, vdupq_n_u8(0x80)));
   }
-  if constexpr (stop == StopAt::whatMustBeEscaped) {
-    found = vorrq_u8(found, vceqq_u8(bytes, vdupq_n_u8(0xED)));
-  }
+  if constexpr (stop == StopAt::mustBeEscaped) found = vorrq_u8(found, equal(0xED));
   // Four bits a byte: the narrowing shift is this processor's way to make a mask.
   const uint8x8_t narrowed = vshrn_n_u16(vreinterpretq_u16_u8(found), 4);
   const std::uint64_t mask = vget_lane_u64(vreinterpret_u64_u8(narrowed), 0);
@@ -97,10 +103,18 @@ std::ptrdiff_t cleanBytes(const char* block) {
 #else
 
 inline constexpr std::ptrdiff_t scanBlock = 1;
+using Block = char;
+
+inline Block loadBlock(const char* from) {
+  return *from;
+}
+inline void storeBlock(char* to, Block block) {
+  *to = block;
+}
 
 template <StopAt stop>
-std::ptrdiff_t cleanBytes(const char* block) {
-  return stopsAt<stop>(*block) ? 0 : 1;
+std::ptrdiff_t cleanBytes(Block byte) {
+  return stopsAt<stop>(byte) ? 0 : 1;
 }
 
 #endif
@@ -109,11 +123,48 @@ std::ptrdiff_t cleanBytes(const char* block) {
 template <StopAt stop>
 const char* scan(const char* from, const char* end) {
   while (end - from >= scanBlock) {
-    const std::ptrdiff_t clean = cleanBytes<stop>(from);
+    const std::ptrdiff_t clean = cleanBytes<stop>(loadBlock(from));
     from += clean;
     if (clean < scanBlock) return from;
   }
-  return scanPlainly<stop>(from, end);
+  while (from != end && !stopsAt<stop>(*from)) ++from;
+  return from;
+}
+
+/// Where a scan that copies has come to, in its source and in its copy.
+struct Copied {
+  const char* from;
+  char* to;
+};
+
+/// Copies bytes until one to stop at, or until `end`. It may read on to `readable`, and may
+/// write a block more than it copies.
+template <StopAt stop>
+Copied copyScan(const char* from, const char* end, const char* readable, char* to) {
+  while (readable - from >= scanBlock) {
+    const Block block = loadBlock(from);
+    storeBlock(to, block);
+    const std::ptrdiff_t clean = std::min(cleanBytes<stop>(block), end - from);
+    from += clean;
+    to += clean;
+    if (clean < scanBlock) return {from, to};
+  }
+  while (from != end && !stopsAt<stop>(*from)) *to++ = *from++;
+  return {from, to};
+}
+
+/// Copies `size` bytes. It may read on to `readable`, and may write a block more. For what is
+/// mostly short, this beats a call of memcpy.
+inline char* copyShort(const char* from, std::size_t size, const char* readable, char* to) {
+  const auto blocks = static_cast<std::ptrdiff_t>((size + scanBlock - 1) / scanBlock);
+  if (readable - from < blocks * scanBlock) {
+    std::memcpy(to, from, size);
+  } else {
+    for (std::ptrdiff_t i = 0; i < blocks; ++i) {
+      storeBlock(to + i * scanBlock, loadBlock(from + i * scanBlock));
+    }
+  }
+  return to + size;
 }
 
 }  // namespace json

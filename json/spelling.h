@@ -1,9 +1,11 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <cstring>
 #include <string_view>
 
 #include "json/escape.h"
-#include "json/text.h"
 #include "json/utf8.h"
 
 namespace json {
@@ -25,33 +27,68 @@ struct Quoted {
   static constexpr std::string_view newLine = "\\n";
 };
 
-/// Appends `\u` and four hexadecimal digits.
+/// The bytes of a short escape; kept at one size, so that copying it takes no loop.
+struct ShortEscape {
+  std::array<char, 4> bytes;
+  std::size_t size;
+};
+
+/// The most bytes that one character takes in any spelling.
+inline constexpr std::size_t longestCharacter = 8;
+
+/// Writes `\u` and four hexadecimal digits, and returns the place behind them.
 template <typename Spelling>
-void appendUnicodeEscape(Text& out, char32_t unit) {
+char* writeUnicodeEscape(char* to, char32_t unit) {
   constexpr std::string_view digits = "0123456789abcdef";
-  out.append(Spelling::backslash).append('u');
-  for (const unsigned shift : {12U, 8U, 4U, 0U}) out.append(digits[unit >> shift & 0xFU]);
+  std::memcpy(to, Spelling::backslash.data(), Spelling::backslash.size());
+  to += Spelling::backslash.size();
+  *to++ = 'u';
+  for (const unsigned shift : {12U, 8U, 4U, 0U}) *to++ = digits[unit >> shift & 0xFU];
+  return to;
 }
 
-/// Appends one character of a string, escaped where the platform's writer escapes it.
+/// Writes a short escape, such as `\n`, by the letter behind its backslash, and returns the
+/// place behind it. There must be room for longestCharacter.
 template <typename Spelling>
-void appendCharacter(Text& out, char32_t character) {
+char* writeShortEscape(char* to, char letter) {
+  static constexpr auto escapes = [] {
+    std::array<ShortEscape, 128> table{};
+    for (const char c : std::string_view("\"\\/bfnrt")) {
+      ShortEscape& escape = table.at(static_cast<std::size_t>(c));
+      const auto add = [&](std::string_view bytes) {
+        for (const char byte : bytes) escape.bytes.at(escape.size++) = byte;
+      };
+      add(Spelling::backslash);
+      add(c == '"'    ? Spelling::quote
+          : c == '\\' ? Spelling::backslash
+          : c == '/'  ? Spelling::slash
+                      : std::string_view(&c, 1));
+    }
+    return table;
+  }();
+  const ShortEscape& escape = escapes[static_cast<unsigned char>(letter)];
+  std::memcpy(to, escape.bytes.data(), escape.bytes.size());
+  return to + escape.size;
+}
+
+/// Writes one character of a string, escaped where the platform's writer escapes it, and
+/// returns the place behind it. There must be room for longestCharacter.
+template <typename Spelling>
+char* writeCharacter(char* to, char32_t character) {
   switch (character) {
-    case '"': out.append(Spelling::backslash).append(Spelling::quote); return;
-    case '\\': out.append(Spelling::backslash).append(Spelling::backslash); return;
-    case '/': out.append(Spelling::backslash).append(Spelling::slash); return;
-    case '\b': out.append(Spelling::backslash).append('b'); return;
-    case '\f': out.append(Spelling::backslash).append('f'); return;
-    case '\n': out.append(Spelling::backslash).append('n'); return;
-    case '\r': out.append(Spelling::backslash).append('r'); return;
-    case '\t': out.append(Spelling::backslash).append('t'); return;
+    case '"':
+    case '\\':
+    case '/': return writeShortEscape<Spelling>(to, static_cast<char>(character));
+    case '\b': return writeShortEscape<Spelling>(to, 'b');
+    case '\f': return writeShortEscape<Spelling>(to, 'f');
+    case '\n': return writeShortEscape<Spelling>(to, 'n');
+    case '\r': return writeShortEscape<Spelling>(to, 'r');
+    case '\t': return writeShortEscape<Spelling>(to, 't');
     default: break;
   }
-  if (character < 0x20 || isSurrogate(character)) {
-    appendUnicodeEscape<Spelling>(out, character);
-  } else {
-    appendUtf8(out, character);
-  }
+  if (character < 0x20 || isSurrogate(character))
+    return writeUnicodeEscape<Spelling>(to, character);
+  return writeUtf8(to, character);
 }
 
 }  // namespace json

@@ -57,25 +57,25 @@ char32_t decodeUtf8(const char* from, std::ptrdiff_t length) {
   return codePoint;
 }
 
-void appendUtf8(Text& out, char32_t codePoint) {
-  const auto trail = [&](unsigned shift) {
-    out.append(static_cast<char>(0x80U | (codePoint >> shift & 0x3FU)));
-  };
+char* writeUtf8(char* to, char32_t codePoint) {
+  const auto put = [&](char32_t byte) { *to++ = static_cast<char>(byte); };
+  const auto trail = [&](unsigned shift) { put(0x80U | (codePoint >> shift & 0x3FU)); };
   if (codePoint < 0x80) {
-    out.append(static_cast<char>(codePoint));
+    put(codePoint);
   } else if (codePoint < 0x800) {
-    out.append(static_cast<char>(0xC0U | codePoint >> 6U));
+    put(0xC0U | codePoint >> 6U);
     trail(0);
   } else if (codePoint < 0x10000) {
-    out.append(static_cast<char>(0xE0U | codePoint >> 12U));
+    put(0xE0U | codePoint >> 12U);
     trail(6);
     trail(0);
   } else {
-    out.append(static_cast<char>(0xF0U | codePoint >> 18U));
+    put(0xF0U | codePoint >> 18U);
     trail(12);
     trail(6);
     trail(0);
   }
+  return to;
 }
 
 }  // namespace json

@@ -2,8 +2,6 @@
 
 #include <cstddef>
 
-#include "json/text.h"
-
 namespace json {
 
 /// What stands at the beginning of some bytes, read as UTF-8.
@@ -22,8 +20,9 @@ Utf8Sequence utf8Sequence(const char* from, const char* end);
 /// a surrogate as appendUtf8 writes them.
 char32_t decodeUtf8(const char* from, std::ptrdiff_t length);
 
-/// Appends a code point as UTF-8. A surrogate, which has no UTF-8 form, becomes the three
-/// bytes that the general pattern gives; they never leave this process as they are.
-void appendUtf8(Text& out, char32_t codePoint);
+/// Writes a code point as UTF-8, at most four bytes, and returns the place behind them. A
+/// surrogate, which has no UTF-8 form, becomes the three bytes that the general pattern gives;
+/// they never leave this process as they are.
+char* writeUtf8(char* to, char32_t codePoint);
 
 }  // namespace json

@@ -20,7 +20,8 @@ std::string decode(std::string_view token) {
     from = escape;
     if (from == end) break;
     const auto [codePoint, length] = readEscape(from, end);
-    appendUtf8(decoded, codePoint);
+    char* const to = decoded.room(4);
+    decoded.commit(static_cast<std::size_t>(writeUtf8(to, codePoint) - to));
     from += length;
   }
   return std::string(decoded.view());
@@ -33,9 +34,9 @@ std::optional<Value> Value::member(std::string_view name) const {
   if (!isObject()) return found;
   const Node* const end = node_->next();
   for (const Node* key = node_ + 1; key != end; key = (key + 1)->next()) {
-    const Value given(text_, key);
+    const Value given = at(key);
     const bool same = key->isClean() ? given.token() == name : given.string() == name;
-    if (same) found = Value(text_, key + 1);
+    if (same) found = at(key + 1);
   }
   return found;
 }

@@ -14,7 +14,8 @@ namespace json {
 /// message's text and the Document that it came from.
 class Value {
  public:
-  Value(const char* text, const Node* node) : text_(text), node_(node) {}
+  /// `text` is the whole message that the node is of.
+  Value(std::string_view text, const Node* node) : text_(text), node_(node) {}
 
   [[nodiscard]] Kind kind() const { return node_->kind(); }
   [[nodiscard]] bool isObject() const { return kind() == Kind::object; }
@@ -34,13 +35,18 @@ class Value {
   [[nodiscard]] std::optional<std::string> string() const;
 
   /// The text of the token: a string's without its quotes and as it was written.
-  [[nodiscard]] std::string_view token() const { return {text_ + node_->begin(), node_->extent()}; }
+  [[nodiscard]] std::string_view token() const {
+    return text_.substr(node_->begin(), node_->extent());
+  }
+
+  /// A value of the same message.
+  [[nodiscard]] Value at(const Node* node) const { return {text_, node}; }
 
   [[nodiscard]] const Node* node() const { return node_; }
-  [[nodiscard]] const char* text() const { return text_; }
+  [[nodiscard]] std::string_view text() const { return text_; }
 
  private:
-  const char* text_;
+  std::string_view text_;
   const Node* node_;
 };
 
@@ -49,14 +55,13 @@ class Value {
 class Document {
  public:
   /// `nodes` are of the whole of `text` and hold at least the top-level value.
-  Document(std::string_view text, Buffer<Node> nodes)
-      : text_(text.data()), nodes_(std::move(nodes)) {}
+  Document(std::string_view text, Buffer<Node> nodes) : text_(text), nodes_(std::move(nodes)) {}
 
   /// The top-level value, an object or an array.
   [[nodiscard]] Value root() const { return {text_, nodes_.data()}; }
 
  private:
-  const char* text_;
+  std::string_view text_;
   Buffer<Node> nodes_;
 };
 

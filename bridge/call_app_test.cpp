@@ -1,0 +1,129 @@
+#include "bridge/call_app.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <string>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+#include "json/layout.h"
+#include "json/reader.h"
+#include "tests/support/scripts.h"
+#include "tests/unit/published_home.h"
+#include "tests/unit/reply_of.h"
+
+namespace {
+
+constexpr std::string_view unreadable = "Quillmark sent an unreadable reply.";
+constexpr std::string_view refused = "Quillmark refused the request.";
+
+/// The result as text: the value's compact layout, or "failure: " and the message.
+std::string told(const bridge::CallResult& result) {
+  if (!result) return "failure: " + result.error().message;
+  json::Text text;
+  json::appendCompact(text, result->value());
+  return std::string(text.view());
+}
+
+std::string resultOf(std::string_view reply) {
+  return told(bridge::callResult(answered(reply)));
+}
+
+std::string failure(std::string_view message) {
+  return "failure: " + std::string(message);
+}
+
+TEST(CallResult, NothingHeardIsNoResponse) {
+  EXPECT_EQ(told(bridge::callResult({.ended = false, .reply = std::nullopt})),
+            failure("No response from Quillmark."));
+}
+
+TEST(CallResult, EndWithoutBytesIsUnreadable) {
+  EXPECT_EQ(told(bridge::callResult({.ended = true, .reply = std::nullopt})), failure(unreadable));
+}
+
+TEST(CallResult, WhatIsNoObjectIsUnreadable) {
+  for (const char* reply : {"[]", R"([{"ok":true}])", R"("ok")", "true", "1", "null", "no JSON",
+                            " ", R"({"ok":true)", R"({"ok":true}x)", R"({"ok":true}{"ok":true})",
+                            R"({"ok":true,"result":01})", "{\"ok\":true,\"result\":\"\xFF\"}"}) {
+    EXPECT_EQ(resultOf(reply), failure(unreadable)) << reply;
+  }
+}
+
+TEST(CallResult, OkWithAResultIsThatResult) {
+  EXPECT_EQ(resultOf(R"({"ok":true,"result":{"a":[1,2]}})"), R"({"a":[1,2]})");
+  EXPECT_EQ(resultOf(R"( { "result" : [ ] , "ok" : true } )"), "[]");
+}
+
+TEST(CallResult, OkWithoutAResultIsAnEmptyObject) {
+  EXPECT_EQ(resultOf(R"({"ok":true})"), "{}");
+}
+
+TEST(CallResult, ResultMayBeAnyValue) {
+  for (const char* value : {"null", "false", "0", "-1.50", R"("text")", "[]", "{}"}) {
+    EXPECT_EQ(resultOf(R"({"ok":true,"result":)" + std::string(value) + "}"), value);
+  }
+}
+
+TEST(CallResult, OkOutweighsAnError) {
+  EXPECT_EQ(resultOf(R"({"ok":true,"error":"ignored","result":{"a":1}})"), R"({"a":1})");
+  EXPECT_EQ(resultOf(R"({"ok":true,"error":"ignored"})"), "{}");
+}
+
+TEST(CallResult, ErrorTextIsTheMessageAsItIs) {
+  EXPECT_EQ(resultOf(R"({"error":"The drive is gone."})"), failure("The drive is gone."));
+  EXPECT_EQ(resultOf(R"({"ok":false,"error":" a\/b\n\u00e9 "})"), failure(" a/b\n\xC3\xA9 "));
+  EXPECT_EQ(resultOf(R"({"ok":null,"error":"x","result":{}})"), failure("x"));
+}
+
+TEST(CallResult, EmptyErrorIsAnEmptyMessage) {
+  EXPECT_EQ(resultOf(R"({"ok":false,"error":""})"), failure(""));
+}
+
+TEST(CallResult, WithoutErrorTextTheRequestWasRefused) {
+  for (const char* reply : {"{}", R"({"ok":false})", R"({"ok":false,"result":{"a":1}})",
+                            R"({"ok":false,"error":null})", R"({"ok":false,"error":{"error":"x"}})",
+                            R"({"ok":"true","error":1})", R"({"OK":true,"Error":"x"})"}) {
+    EXPECT_EQ(resultOf(reply), failure(refused)) << reply;
+  }
+}
+
+TEST(CallResult, OnlyTheLiteralTrueIsOk) {
+  for (const char* ok : {"1", R"("true")", "[true]", "null", "false"}) {
+    EXPECT_EQ(resultOf(R"({"result":{},"ok":)" + std::string(ok) + "}"), failure(refused)) << ok;
+  }
+}
+
+TEST(CallResult, OwnsWhatItsValuePointsInto) {
+  auto result = bridge::callResult(answered(R"({"ok":true,"result":{"a":"b"}})"));
+  const bridge::CallResult moved = std::move(result);
+  EXPECT_EQ(told(moved), R"({"a":"b"})");
+}
+
+TEST(CallApp, AsksTwiceOnTwoConnectionsAndGivesTheSecondAnswer) {
+  std::signal(SIGPIPE, SIG_IGN);
+  const PublishedHome home;
+  ScriptedApp app;
+  home.file().publish(app.port(), "secret", 3);
+  app.script({reply("what a probe is told does not matter"), succeed(R"({"found":[]})")});
+  const auto arguments = json::read(R"({"query":"a/b","limit":1.0})");
+  EXPECT_EQ(told(bridge::callApp("search_drives", arguments->root())), R"({"found":[]})");
+  ASSERT_EQ(app.connectionCount(), 2U);
+  EXPECT_EQ(nlohmann::json::parse(app.record(0).received).at("tool"), "drive_status");
+  EXPECT_EQ(app.record(1).received, R"({"version":3,"token":"secret","tool":"search_drives",)"
+                                    R"("arguments":{"query":"a\/b","limit":1.0}})");
+}
+
+TEST(CallApp, ForwardsAnyToolAndTellsWhatTheApplicationSays) {
+  std::signal(SIGPIPE, SIG_IGN);
+  const PublishedHome home;
+  ScriptedApp app;
+  home.file().publish(app.port());
+  app.script({answer(), refuse("There is no such tool.")});
+  EXPECT_EQ(told(bridge::callApp("", json::emptyObject())), failure("There is no such tool."));
+  EXPECT_EQ(nlohmann::json::parse(app.record(1).received).at("tool"), "");
+}
+
+}  // namespace

@@ -1,0 +1,90 @@
+#include "catalogue/tool_definitions.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "catalogue/tools.h"
+#include "tests/unit/laid_out.h"
+
+// The texts themselves are compared, written out a second time, by the end-to-end tests; here
+// it is the rendering that is tested, against the table.
+
+namespace {
+
+nlohmann::json definitions() {
+  return nlohmann::json::parse(toolDefinitions());
+}
+
+TEST(ToolDefinitions, AreAnArrayOfAllToolsInTheirOrder) {
+  std::vector<std::string> names;
+  for (const auto& tool : definitions()) names.push_back(tool.at("name"));
+  EXPECT_EQ(names, (std::vector<std::string>{"search_drives", "list_directory", "get_file_info",
+                                             "read_file", "write_file", "find_duplicates",
+                                             "storage_summary", "recent_changes", "transfer_file",
+                                             "propose_cleanup", "drive_status"}));
+}
+
+TEST(ToolDefinitions, HaveTheTablesTextsAndNothingElse) {
+  const nlohmann::json all = definitions();
+  ASSERT_EQ(all.size(), std::size(AgentProtocol::tools));
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const AgentProtocol::Tool& tool = AgentProtocol::tools[i];
+    nlohmann::json properties = nlohmann::json::object();
+    for (const auto& [name, property] : tool.properties) {
+      properties[std::string(name)] = {{"type", property.type},
+                                       {"description", property.description}};
+    }
+    nlohmann::json required = nlohmann::json::array();
+    for (const std::string_view name : tool.required) required.push_back(name);
+    const nlohmann::json schema = {
+        {"type", "object"}, {"properties", properties}, {"required", required}};
+    const nlohmann::json expected = {
+        {"name", tool.name}, {"description", tool.description}, {"inputSchema", schema}};
+    EXPECT_EQ(all[i], expected);
+  }
+}
+
+TEST(ToolDefinitions, OfAToolWithoutParametersHaveAnEmptySchema) {
+  EXPECT_EQ(definitions().back().at("inputSchema"),
+            nlohmann::json::parse(R"({"type":"object","properties":{},"required":[]})"));
+}
+
+TEST(ToolDefinitions, OfOptionalParametersAloneRequireNothing) {
+  const std::set<std::string> optional{"find_duplicates", "storage_summary", "recent_changes",
+                                       "propose_cleanup", "drive_status"};
+  for (const auto& tool : definitions()) {
+    EXPECT_EQ(tool.at("inputSchema").at("required").empty(), optional.contains(tool.at("name")))
+        << tool;
+  }
+}
+
+TEST(ToolDefinitions, KeepTheOrderOfRequiredParameters) {
+  EXPECT_EQ(definitions().at(8).at("inputSchema").at("required"),
+            (nlohmann::json{"from_drive", "path", "to_drive"}));
+  EXPECT_EQ(definitions().at(4).at("inputSchema").at("required"),
+            (nlohmann::json{"drive", "path", "content"}));
+}
+
+TEST(ToolDefinitions, DescriptionsHaveTheirLengthsInBytes) {
+  std::vector<std::size_t> lengths;
+  for (const auto& tool : definitions()) {
+    lengths.push_back(tool.at("description").get_ref<const std::string&>().size());
+  }
+  EXPECT_EQ(lengths,
+            (std::vector<std::size_t>{147, 51, 187, 124, 231, 253, 174, 137, 172, 201, 132}));
+}
+
+TEST(ToolDefinitions, AreSpeltAsAllOtherReplies) {
+  EXPECT_EQ(compact(toolDefinitions()), toolDefinitions());
+}
+
+TEST(ToolDefinitions, AreTheSameTextEachTime) {
+  EXPECT_EQ(toolDefinitions().data(), toolDefinitions().data());
+}
+
+}  // namespace

@@ -1,0 +1,243 @@
+#include "json/reader.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+#include "tests/unit/laid_out.h"
+
+namespace json {
+namespace {
+
+using State = Reader::State;
+
+State state(std::string_view text) {
+  Reader reader;
+  return reader.read(text);
+}
+
+std::string nested(std::size_t depth, std::string_view open, std::string_view close) {
+  std::string text;
+  for (std::size_t i = 0; i < depth; ++i) text += open;
+  for (std::size_t i = 0; i < depth; ++i) text += close;
+  return text;
+}
+
+std::string inString(std::string_view bytes) {
+  return "[\"" + std::string(bytes) + "\"]";
+}
+
+TEST(Reader, ReadsObjectsAndArraysAtTheTop) {
+  for (const char* text : {"{}", "[]", "[[]]", R"({"a":{}})", R"([1,"a",true,false,null,{},[]])"}) {
+    EXPECT_EQ(state(text), State::complete) << text;
+  }
+}
+
+TEST(Reader, RefusesOtherValuesAtTheTop) {
+  for (const char* text : {"1", "-", R"("a")", "true", "false", "null", "x", ",", "]", "}", ":"}) {
+    EXPECT_EQ(state(text), State::malformed) << text;
+  }
+}
+
+TEST(Reader, WaitsForAMessageThatHasNotBegun) {
+  EXPECT_EQ(state(""), State::incomplete);
+  EXPECT_EQ(state(" \t\r\n"), State::incomplete);
+  EXPECT_FALSE(read(""));
+  EXPECT_FALSE(read("   "));
+}
+
+TEST(Reader, WhiteSpaceMayStandBetweenAllTokens) {
+  EXPECT_EQ(compact(" \t\r\n{ \"a\" : [ 1 , 2 ] , \"b\" : { } , \"c\" : [ ] } \t\r\n"),
+            R"({"a":[1,2],"b":{},"c":[]})");
+}
+
+TEST(Reader, OtherBlanksAreNoWhiteSpace) {
+  for (const char* text :
+       {"\f[]", "\v[]", "[\f]", "[1\v]", "\xC2\xA0[]", "[]\xE2\x80\xA8", "[]\b"}) {
+    EXPECT_EQ(state(text), State::malformed) << text;
+  }
+  EXPECT_EQ(state(std::string_view("[]\0", 3)), State::malformed);
+  EXPECT_EQ(state(std::string_view("\0[]", 3)), State::malformed);
+}
+
+TEST(Reader, OneByteOrderMarkMayStandAtTheBeginning) {
+  EXPECT_EQ(compact("\xEF\xBB\xBF{}"), "{}");
+  EXPECT_EQ(compact("\xEF\xBB\xBF [1]"), "[1]");
+  for (const char* text : {"\xEF\xBB\xBF\xEF\xBB\xBF{}", " \xEF\xBB\xBF{}", "{}\xEF\xBB\xBF",
+                           "{\xEF\xBB\xBF}", "\xEF\xBB{}", "\xEF{}", "\xFE\xFF{}"}) {
+    EXPECT_EQ(state(text), State::malformed) << text;
+  }
+}
+
+TEST(Reader, ByteOrderMarkInAStringIsACharacter) {
+  EXPECT_EQ(compact("[\"\xEF\xBB\xBF\"]"), "[\"\xEF\xBB\xBF\"]");
+}
+
+TEST(Reader, NothingButWhiteSpaceMayFollow) {
+  for (const char* text : {"{}x", "{} {}", "[],", "[]]", "{}}", "[] 1", "{}\"", "[]["}) {
+    EXPECT_EQ(state(text), State::malformed) << text;
+  }
+}
+
+TEST(Reader, CommasStandBetweenValuesOnly) {
+  for (const char* text : {"[,]", "[1,]", "[,1]", "[1,,2]", "[1 2]", "{,}", R"({"a":1,})",
+                           R"({,"a":1})", R"({"a":1,,"b":2})", R"({"a":1 "b":2})", R"([1;2])"}) {
+    EXPECT_EQ(state(text), State::malformed) << text;
+  }
+}
+
+TEST(Reader, MembersAreNamesWithValues) {
+  for (const char* text :
+       {R"({"a"})", R"({"a":})", R"({:1})", R"({"a",1})", R"({"a"::1})", "{1:2}", "{a:1}",
+        "{true:1}", "{null:1}", R"({'a':1})", R"({"a":1:2})", R"({[]:1})", R"(["a":1])"}) {
+    EXPECT_EQ(state(text), State::malformed) << text;
+  }
+}
+
+TEST(Reader, BracketsMustMatch) {
+  for (const char* text : {"[}", "{]", "[1}", R"({"a":1])", "[[]}", R"({"a":[})"}) {
+    EXPECT_EQ(state(text), State::malformed) << text;
+  }
+}
+
+TEST(Reader, LiteralsAreReadWholeAndInLowerCase) {
+  for (const char* text :
+       {"[True]", "[TRUE]", "[tru]", "[truee]", "[fals ]", "[nul,1]", "[nulll]", "[NaN]",
+        "[Infinity]", "[undefined]", "[t]", "[n]", "[f1]", "[truefalse]"}) {
+    EXPECT_EQ(state(text), State::malformed) << text;
+  }
+}
+
+TEST(Reader, NumbersAreCheckedToTheirEnds) {
+  for (const char* text : {"[01]", "[-]", "[+1]", "[.5]", "[1.]", "[1e]", "[1e+]", "[-01]",
+                           "[1.2.3]", "[0x10]", "[1e5.5]", "[--1]", "[1a]", "[- 1]", "[1 .5]",
+                           "[-Infinity]", R"({"a":01})", R"({"a":1.})"}) {
+    EXPECT_EQ(state(text), State::malformed) << text;
+  }
+  EXPECT_EQ(compact("[0,-0,1.50,1E+2,1e-07,123456789012345678901234567890,1e999]"),
+            "[0,-0,1.50,1E+2,1e-07,123456789012345678901234567890,1e999]");
+}
+
+TEST(Reader, CommentsAreRefused) {
+  for (const char* text : {"[1/*x*/]", "[1]//x", "/*x*/[]", "[//\n]", "#\n[]"}) {
+    EXPECT_EQ(state(text), State::malformed) << text;
+  }
+}
+
+TEST(Reader, ControlCharactersInStringsAreRefused) {
+  for (char byte = 0; byte < 0x20; ++byte) {
+    EXPECT_EQ(state(inString(std::string(1, byte))), State::malformed) << static_cast<int>(byte);
+    EXPECT_EQ(state(inString("\xC3\xA9" + std::string(1, byte))), State::malformed);
+    EXPECT_EQ(state("{\"a" + std::string(1, byte) + "\":1}"), State::malformed);
+  }
+  EXPECT_EQ(state(inString("\x7F")), State::complete);
+}
+
+TEST(Reader, EscapesAreTheEightShortOnesAndUnicode) {
+  for (int value = 0; value < 256; ++value) {
+    const char letter = static_cast<char>(value);
+    const bool known =
+        value != 0 && std::string_view("\"\\/bfnrt").find(letter) != std::string_view::npos;
+    if (letter == 'u') continue;
+    EXPECT_EQ(state(inString(std::string{'\\', letter})),
+              known ? State::complete : State::malformed)
+        << value;
+  }
+}
+
+TEST(Reader, UnicodeEscapesHaveFourHexadecimalDigits) {
+  for (const char* digits : {"0000", "ffff", "FFFF", "aBcD", "00e9", "19aF"}) {
+    EXPECT_EQ(state(inString(std::string("\\u") + digits)), State::complete) << digits;
+  }
+  for (const char* digits : {"", "0", "000", "g000", "0g00", "00g0", "000g", "00 0", "+123", "-123",
+                             "0x12", "{41}", "00\\n"}) {
+    EXPECT_EQ(state(inString(std::string("\\u") + digits)), State::malformed) << digits;
+  }
+  EXPECT_EQ(state(inString("\\U0041")), State::malformed);
+}
+
+TEST(Reader, UnpairedSurrogateEscapesAreLetThrough) {
+  for (const char* escapes : {"\\ud800", "\\udfff", "\\udc00\\ud800", "\\ud800\\ud800",
+                              "\\ud800\\u0041", "\\ud800\\n", "\\ud800x", "\\ud800\\\\u0041"}) {
+    EXPECT_EQ(state(inString(escapes)), State::complete) << escapes;
+  }
+}
+
+TEST(Reader, StringsMustBeUtf8) {
+  for (const char* bytes : {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xF4\x8F\xBF\xBF",
+                            "\xED\x9F\xBF", "\xEE\x80\x80", "a\xC3\xA9\xC3\xA9z"}) {
+    EXPECT_EQ(state(inString(bytes)), State::complete);
+  }
+  for (const char* bytes :
+       {"\x80", "\xBF", "\xC0\x80", "\xC1\xBF", "\xC3", "\xC3(", "\xE0\x80\x80", "\xE2\x82",
+        "\xE2(\xAC", "\xED\xA0\x80", "\xED\xBF\xBF", "\xF0\x80\x80\x80", "\xF0\x9F\x98",
+        "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF", "\xFE", "\xC3\xA9\xA9"}) {
+    EXPECT_EQ(state(inString(bytes)), State::malformed) << testing::PrintToString(bytes);
+    EXPECT_EQ(state(inString(std::string(40, 'a') + bytes)), State::malformed);
+    EXPECT_EQ(state("{\"" + std::string(bytes) + "\":1}"), State::malformed);
+  }
+}
+
+TEST(Reader, NonAsciiOutsideStringsIsRefused) {
+  EXPECT_EQ(state("[\xC3\xA9]"), State::malformed);
+  EXPECT_EQ(state("{}\xC3\xA9"), State::malformed);
+  EXPECT_EQ(state("\xC3\xA9"), State::malformed);
+}
+
+TEST(Reader, NestingOf512IsReadAnd513IsNot) {
+  EXPECT_EQ(deepestNesting, 512U);
+  EXPECT_EQ(state(nested(512, "[", "]")), State::complete);
+  EXPECT_EQ(state(nested(513, "[", "]")), State::malformed);
+  EXPECT_EQ(state(nested(511, R"({"a":)", "}").insert(511 * 5, "{}")), State::complete);
+  EXPECT_EQ(state(nested(512, R"({"a":)", "}").insert(512 * 5, "{}")), State::malformed);
+  EXPECT_EQ(state(nested(256, R"([{"a":)", "}]").insert(256 * 6, "1")), State::complete);
+}
+
+TEST(Reader, NestingIsCountedFromEachLevelAnew) {
+  const std::string deep = nested(511, "[", "]");
+  EXPECT_EQ(state("[" + deep + "," + deep + "," + deep + "]"), State::complete);
+}
+
+TEST(Reader, EndlesslyDeepTextIsRefusedWithoutHarm) {
+  EXPECT_EQ(state(std::string(10'000'000, '[')), State::malformed);
+}
+
+TEST(Reader, EveryBeginningOfAMessageIsIncomplete) {
+  constexpr std::string_view text =
+      "\xEF\xBB\xBF {\"a\\u00e9\\n\":[true,false,null,-1.5e+3,{},\"\xE2\x82\xAC/\\ud83d\\ude00\"]}";
+  for (std::size_t length = 0; length < text.size(); ++length) {
+    EXPECT_EQ(state(text.substr(0, length)), State::incomplete) << text.substr(0, length);
+  }
+  EXPECT_EQ(state(text), State::complete);
+}
+
+TEST(Reader, ReadsOnWhenTheTextGrowsAndMoves) {
+  const std::string text = R"({"a":[1.25,"b\u0041\/c",{"d":true}],"e":null} )";
+  Reader reader;
+  for (std::size_t length = 0; length < text.size() - 2; ++length) {
+    const std::string moved = text.substr(0, length);
+    ASSERT_EQ(reader.read(moved), State::incomplete) << moved;
+  }
+  ASSERT_EQ(reader.read(text), State::complete);
+  const Document document = std::move(reader).take(text);
+  EXPECT_EQ(document.root().member("a")->node()->extent(), 5U);
+  EXPECT_EQ(document.root().member("e")->kind(), Kind::null);
+}
+
+TEST(Reader, StaysMalformedWhateverFollows) {
+  Reader reader;
+  EXPECT_EQ(reader.read("[1,,"), State::malformed);
+  EXPECT_EQ(reader.read("[1,,2]"), State::malformed);
+  EXPECT_EQ(reader.state(), State::malformed);
+}
+
+TEST(Reader, CompleteMessageIsSpoiltByWhatFollowsIt) {
+  Reader reader;
+  EXPECT_EQ(reader.read("[1]"), State::complete);
+  EXPECT_EQ(reader.read("[1] \n"), State::complete);
+  EXPECT_EQ(reader.read("[1] \n["), State::malformed);
+}
+
+}  // namespace
+}  // namespace json

@@ -1,0 +1,154 @@
+#include "json/value.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "json/reader.h"
+
+namespace json {
+namespace {
+
+/// A message whose member "value" is looked at.
+class Held {
+ public:
+  explicit Held(std::string_view value)
+      : text_("{\"before\":[1,{\"value\":0}],\"value\":" + std::string(value) + ",\"after\":{}}"),
+        document_(read(text_)) {}
+
+  Value value() const { return document_.value().root().member("value").value(); }
+
+ private:
+  std::string text_;
+  std::optional<Document> document_;
+};
+
+std::optional<std::int64_t> integer(std::string_view text) {
+  return Held(text).value().integer();
+}
+
+std::optional<std::string> string(std::string_view text) {
+  return Held(text).value().string();
+}
+
+TEST(Value, HasTheKindThatWasWritten) {
+  EXPECT_EQ(Held(R"({"a":1})").value().kind(), Kind::object);
+  EXPECT_EQ(Held("[1]").value().kind(), Kind::array);
+  EXPECT_EQ(Held(R"("a")").value().kind(), Kind::string);
+  EXPECT_EQ(Held("-1.5").value().kind(), Kind::number);
+  EXPECT_EQ(Held("true").value().kind(), Kind::trueLiteral);
+  EXPECT_EQ(Held("false").value().kind(), Kind::falseLiteral);
+  EXPECT_EQ(Held("null").value().kind(), Kind::null);
+}
+
+TEST(Value, IsTrueForTheLiteralAlone) {
+  EXPECT_TRUE(Held("true").value().isTrue());
+  for (const char* other : {"false", "null", "1", R"("true")", "[true]", "{}"}) {
+    EXPECT_FALSE(Held(other).value().isTrue()) << other;
+  }
+}
+
+TEST(Value, MemberIsFoundByItsExactName) {
+  const Held held(R"({"Name":1,"name":2,"name ":3})");
+  EXPECT_EQ(held.value().member("name")->integer(), 2);
+  EXPECT_EQ(held.value().member("Name")->integer(), 1);
+  EXPECT_FALSE(held.value().member("NAME"));
+  EXPECT_FALSE(held.value().member("nam"));
+  EXPECT_FALSE(held.value().member(""));
+}
+
+TEST(Value, MemberIsFoundByWhatItsNameStandsFor) {
+  const Held held(R"({"a\/b":1,"\u0069d":2,"\ud83d\ude00":3,"":4})");
+  EXPECT_EQ(held.value().member("a/b")->integer(), 1);
+  EXPECT_EQ(held.value().member("id")->integer(), 2);
+  EXPECT_EQ(held.value().member("\xF0\x9F\x98\x80")->integer(), 3);
+  EXPECT_EQ(held.value().member("")->integer(), 4);
+}
+
+TEST(Value, LastMemberOfANameCounts) {
+  EXPECT_EQ(Held(R"({"a":1,"b":2,"\u0061":3})").value().member("a")->integer(), 3);
+  EXPECT_EQ(Held(R"({"\u0061":1,"b":2,"a":4})").value().member("a")->integer(), 4);
+}
+
+TEST(Value, MemberOfAnInnerObjectIsNotTheOuters) {
+  EXPECT_FALSE(Held(R"({"a":{"b":1},"c":[{"b":2}],"d":"b"})").value().member("b"));
+}
+
+TEST(Value, MemberMayBeAnyValue) {
+  const Held held(R"({"a":null,"b":[],"c":{"d":1},"e":"f"})");
+  EXPECT_EQ(held.value().member("a")->kind(), Kind::null);
+  EXPECT_EQ(held.value().member("b")->kind(), Kind::array);
+  EXPECT_EQ(held.value().member("c")->member("d")->integer(), 1);
+  EXPECT_EQ(held.value().member("e")->string(), "f");
+}
+
+TEST(Value, OnlyAnObjectHasMembers) {
+  for (const char* other : {R"(["a",1])", R"("a")", "1", "true", "false", "null", "{}"}) {
+    EXPECT_FALSE(Held(other).value().member("a")) << other;
+  }
+}
+
+TEST(Value, IntegerIsAnyThatFits64Bits) {
+  EXPECT_EQ(integer("0"), 0);
+  EXPECT_EQ(integer("-0"), 0);
+  EXPECT_EQ(integer("42"), 42);
+  EXPECT_EQ(integer("-1"), -1);
+  EXPECT_EQ(integer("9223372036854775807"), INT64_MAX);
+  EXPECT_EQ(integer("-9223372036854775808"), INT64_MIN);
+}
+
+TEST(Value, IntegerIsNothingElse) {
+  for (const char* other : {"9223372036854775808", "-9223372036854775809", "100000000000000000000",
+                            "1.5", "0.1", R"("1")", "true", "null", "[1]", "{}"}) {
+    EXPECT_FALSE(integer(other)) << other;
+  }
+}
+
+TEST(Value, StringIsDecoded) {
+  EXPECT_EQ(string(R"("")"), "");
+  EXPECT_EQ(string(R"("plain")"), "plain");
+  EXPECT_EQ(string(R"("a/b")"), "a/b");
+  EXPECT_EQ(string(R"("\"\\\/\b\f\n\r\t")"), "\"\\/\b\f\n\r\t");
+  EXPECT_EQ(string(R"("\u0041\u00e9\u20AC")"), "A\xC3\xA9\xE2\x82\xAC");
+  EXPECT_EQ(string(R"("\ud83d\ude00 \uD83D\uDE00")"), "\xF0\x9F\x98\x80 \xF0\x9F\x98\x80");
+  EXPECT_EQ(string(R"("\udbff\udfff")"), "\xF4\x8F\xBF\xBF");
+  EXPECT_EQ(string(R"("a\u0000b")"), std::string("a\0b", 3));
+  EXPECT_EQ(string("\"\xE2\x80\x94\""), "\xE2\x80\x94");
+  EXPECT_EQ(string(R"("\\u0041")"), "\\u0041");
+}
+
+TEST(Value, UnpairedSurrogatesAreThreeBytesEach) {
+  EXPECT_EQ(string(R"("\ud800")"), "\xED\xA0\x80");
+  EXPECT_EQ(string(R"("\udfffx")"), "\xED\xBF\xBFx");
+  EXPECT_EQ(string(R"("\ud800\ud800")"), "\xED\xA0\x80\xED\xA0\x80");
+  EXPECT_EQ(string(R"("\udc00\ud800")"), "\xED\xB0\x80\xED\xA0\x80");
+  EXPECT_EQ(string(R"("\ud800\u0041")"),
+            "\xED\xA0\x80"
+            "A");
+  EXPECT_EQ(string(R"("\ud800\n")"), "\xED\xA0\x80\n");
+  EXPECT_EQ(string(R"("\ud800\ud83d\ude00")"), "\xED\xA0\x80\xF0\x9F\x98\x80");
+}
+
+TEST(Value, OnlyAStringHasCharacters) {
+  for (const char* other : {"1", "true", "null", R"(["a"])", R"({"a":"b"})"}) {
+    EXPECT_FALSE(string(other)) << other;
+  }
+}
+
+TEST(Value, TokenIsAsItWasWritten) {
+  EXPECT_EQ(Held("-1.50E+02").value().token(), "-1.50E+02");
+  EXPECT_EQ(Held(R"("a\/\u0041")").value().token(), R"(a\/\u0041)");
+  EXPECT_EQ(Held(" true ").value().token(), "true");
+}
+
+TEST(EmptyObject, HasNoMembers) {
+  EXPECT_TRUE(emptyObject().isObject());
+  EXPECT_FALSE(emptyObject().member(""));
+  EXPECT_EQ(emptyObject().node()->extent(), 0U);
+}
+
+}  // namespace
+}  // namespace json

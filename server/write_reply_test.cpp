@@ -1,0 +1,130 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "server/server.h"
+#include "tests/unit/pipe.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Makes a descriptor this process's standard output for a while.
+class StandardOutput {
+ public:
+  explicit StandardOutput(int descriptor) : before_(dup(STDOUT_FILENO)) {
+    std::fflush(stdout);
+    dup2(descriptor, STDOUT_FILENO);
+  }
+  StandardOutput(const StandardOutput&) = delete;
+  StandardOutput& operator=(const StandardOutput&) = delete;
+  ~StandardOutput() {
+    dup2(before_, STDOUT_FILENO);
+    close(before_);
+  }
+
+ private:
+  int before_;
+};
+
+std::string readToTheEnd(int descriptor) {
+  std::string all;
+  std::vector<char> piece(65536);
+  while (true) {
+    const ssize_t count = read(descriptor, piece.data(), piece.size());
+    if (count <= 0) return all;
+    all.append(piece.data(), static_cast<std::size_t>(count));
+  }
+}
+
+/// What comes out of the pipe when the reply is written to it.
+std::string written(Pipe& pipe, const std::string& reply, std::chrono::milliseconds readerSleeps) {
+  std::string all;
+  std::thread reader([&] {
+    std::this_thread::sleep_for(readerSleeps);
+    all = readToTheEnd(pipe.readEnd());
+  });
+  {
+    const StandardOutput output(pipe.writeEnd());
+    server::writeReply(reply);
+  }
+  pipe.closeWriteEnd();
+  reader.join();
+  return all;
+}
+
+TEST(WriteReply, EndsTheReplyWithALineFeed) {
+  Pipe pipe;
+  EXPECT_EQ(written(pipe, R"({"a":1})", 0ms), "{\"a\":1}\n");
+}
+
+// Each write to such a socket is a message of its own.
+TEST(WriteReply, WritesTheTextInOneAndTheLineFeedInAnother) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(socketpair(AF_UNIX, SOCK_DGRAM, 0, ends.data()), 0);
+  {
+    const StandardOutput output(ends[1]);
+    server::writeReply(R"({"a":1})");
+  }
+  std::array<char, 100> message{};
+  EXPECT_EQ(recv(ends[0], message.data(), message.size(), MSG_DONTWAIT), 7);
+  EXPECT_STREQ(message.data(), R"({"a":1})");
+  EXPECT_EQ(recv(ends[0], message.data(), message.size(), MSG_DONTWAIT), 1);
+  EXPECT_EQ(message[0], '\n');
+  EXPECT_EQ(recv(ends[0], message.data(), message.size(), MSG_DONTWAIT), -1);
+  close(ends[0]);
+  close(ends[1]);
+}
+
+TEST(WriteReply, WritesMoreThanAPipeHolds) {
+  Pipe pipe;
+  const std::string reply(5'000'000, 'x');
+  EXPECT_TRUE(written(pipe, reply, 50ms) == reply + '\n');
+}
+
+TEST(WriteReply, WaitsForAPipeThatRefusesToBlock) {
+  Pipe pipe;
+  fcntl(pipe.writeEnd(), F_SETFL, fcntl(pipe.writeEnd(), F_GETFL) | O_NONBLOCK);
+  const std::string reply(5'000'000, 'x');
+  EXPECT_TRUE(written(pipe, reply, 100ms) == reply + '\n');
+}
+
+TEST(WriteReply, SignalDoesNotCutTheReplyShort) {
+  struct sigaction interrupting{};
+  interrupting.sa_handler = [](int) {};
+  struct sigaction before{};
+  sigaction(SIGUSR1, &interrupting, &before);
+  Pipe pipe;
+  std::thread interrupter([writing = pthread_self()] {
+    for (int i = 0; i < 5; ++i) {
+      std::this_thread::sleep_for(20ms);
+      pthread_kill(writing, SIGUSR1);
+    }
+  });
+  const std::string reply(1'000'000, 'x');
+  EXPECT_TRUE(written(pipe, reply, 200ms) == reply + '\n');
+  interrupter.join();
+  sigaction(SIGUSR1, &before, nullptr);
+}
+
+TEST(WriteReply, GivesUpWhenTheOtherEndIsGone) {
+  const auto before = std::signal(SIGPIPE, SIG_IGN);
+  Pipe pipe;
+  pipe.closeReadEnd();
+  {
+    const StandardOutput output(pipe.writeEnd());
+    server::writeReply(std::string(1'000'000, 'x'));
+  }
+  std::signal(SIGPIPE, before);
+}
+
+}  // namespace
