@@ -36,7 +36,7 @@ class MemberStack {
 
  private:
   [[nodiscard]] std::uint64_t headOf(const Node* name) const;
-  [[nodiscard]] int compareNames(const Member& a, const Member& b) const;
+  [[nodiscard]] int compareNames(const Node* a, const Node* b) const;
 
   std::string_view text_;
   std::vector<Member> members_;

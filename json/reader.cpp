@@ -1,6 +1,7 @@
 #include "json/reader.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 #include "json/escape.h"
@@ -134,17 +135,56 @@ Reader::Step Reader::readString(const char*& at) {
 
 /// Up to and past the closing quote.
 Reader::Step Reader::readCharacters(const char*& at) {
-  while (true) {
-    at = scan<StopAt::unusual>(at, end_);
-    if (at == end_) return Step::wait;
-    if (*at == '"') break;
-    const Step step = *at == '\\' ? readEscape(at) : readNonAscii(at);
-    if (step != Step::on) return step;
-  }
+  const Step step = skipShort(at) ? Step::on : readUpToQuote(at);
+  if (step != Step::on) return step;
   endToken(at);
   if (clean_) nodes_.last().setClean();
   ++at;
   return Step::on;
+}
+
+/// Goes to the closing quote if it is in the next block, with nothing unusual before it.
+bool Reader::skipShort(const char*& at) const {
+  if (end_ - at < scanBlock) return false;
+  const std::ptrdiff_t clean = cleanBytes<StopAt::unusual>(loadBlock(at));
+  if (clean == scanBlock || at[clean] != '"') return false;
+  at += clean;
+  return true;
+}
+
+Reader::Step Reader::readUpToQuote(const char*& at) {
+  Step step = readManyCharacters(at);
+  while (step == Step::on) {
+    at = scan<StopAt::unusual>(at, end_);
+    if (at == end_) return Step::wait;
+    if (*at == '"') return Step::on;
+    step = readUnusual(at);
+  }
+  return step;
+}
+
+/// Up to the closing quote or near the end of the text. In long strings what is unusual stands
+/// anywhere; to take it from one mask for 64 bytes leaves the processor little to guess.
+Reader::Step Reader::readManyCharacters(const char*& at) {
+  constexpr std::ptrdiff_t width = 64;
+  while (end_ - at >= width) {
+    const char* const block = at;
+    std::uint64_t stops = stopsIn64<StopAt::unusual>(block);
+    while (stops != 0) {
+      at = block + std::countr_zero(stops);
+      if (*at == '"') return Step::on;
+      const Step step = readUnusual(at);
+      if (step != Step::on) return step;
+      const std::ptrdiff_t done = at - block;
+      stops = done < width ? stops & ~std::uint64_t{0} << done : 0;
+    }
+    at = std::max(at, block + width);
+  }
+  return Step::on;
+}
+
+Reader::Step Reader::readUnusual(const char*& at) {
+  return *at == '\\' ? readEscape(at) : readNonAscii(at);
 }
 
 Reader::Step Reader::readEscape(const char*& at) {

@@ -71,6 +71,10 @@ class Reader {
   void beginString(const char*& at, Next inside);
   Step readString(const char*& at);
   Step readCharacters(const char*& at);
+  bool skipShort(const char*& at) const;
+  Step readUpToQuote(const char*& at);
+  Step readManyCharacters(const char*& at);
+  Step readUnusual(const char*& at);
   Step readEscape(const char*& at);
   Step readNonAscii(const char*& at);
   Step readNumber(const char*& at);

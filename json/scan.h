@@ -4,6 +4,7 @@
 // the processor can. Most of the relay's time on big messages is spent here or in memcpy.
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -48,9 +49,9 @@ inline void storeBlock(char* to, Block block) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(to), block);
 }
 
-/// How many bytes of the block come before the first to stop at: all 16 if there is none.
+/// A bit for each byte of the block, the first byte's lowest: set where to stop.
 template <StopAt stop>
-std::ptrdiff_t cleanBytes(Block bytes) {
+std::uint32_t stopMask(Block bytes) {
   const auto equal = [&](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
   Block found = equal('\\');
   if constexpr (stop != StopAt::unusual) found = _mm_or_si128(found, equal('/'));
@@ -64,8 +65,23 @@ std::ptrdiff_t cleanBytes(Block bytes) {
     found = _mm_or_si128(found, _mm_cmpeq_epi8(atMostLastControl, bytes));
     found = _mm_or_si128(found, equal('\xED'));
   }
-  const auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(found));
-  return std::countr_zero(mask | 1U << static_cast<unsigned>(scanBlock));
+  return static_cast<std::uint32_t>(_mm_movemask_epi8(found));
+}
+
+/// How many bytes of the block come before the first to stop at: all 16 if there is none.
+template <StopAt stop>
+std::ptrdiff_t cleanBytes(Block bytes) {
+  return std::countr_zero(stopMask<stop>(bytes) | 1U << static_cast<unsigned>(scanBlock));
+}
+
+/// A bit for each of the 64 bytes at `from`, the first byte's lowest: set where to stop.
+template <StopAt stop>
+std::uint64_t stopsIn64(const char* from) {
+  std::uint64_t stops = 0;
+  for (unsigned i = 0; i < 4; ++i) {
+    stops |= std::uint64_t{stopMask<stop>(loadBlock(from + 16 * i))} << 16 * i;
+  }
+  return stops;
 }
 
 #elif defined(__aarch64__) && defined(__ARM_NEON)
@@ -80,9 +96,9 @@ inline void storeBlock(char* to, Block block) {
   vst1q_u8(reinterpret_cast<std::uint8_t*>(to), block);
 }
 
-/// How many bytes of the block come before the first to stop at: all 16 if there is none.
+/// All bits of each byte of the block to stop at.
 template <StopAt stop>
-std::ptrdiff_t cleanBytes(Block bytes) {
+Block stopBytes(Block bytes) {
   const auto equal = [&](std::uint8_t c) { return vceqq_u8(bytes, vdupq_n_u8(c)); };
   Block found = equal('\\');
   if constexpr (stop != StopAt::unusual) found = vorrq_u8(found, equal('/'));
@@ -94,10 +110,32 @@ std::ptrdiff_t cleanBytes(Block bytes) {
     found = vorrq_u8(found, vcgeq_u8(bytes, vdupq_n_u8(0x80)));
   }
   if constexpr (stop == StopAt::mustBeEscaped) found = vorrq_u8(found, equal(0xED));
+  return found;
+}
+
+/// How many bytes of the block come before the first to stop at: all 16 if there is none.
+template <StopAt stop>
+std::ptrdiff_t cleanBytes(Block bytes) {
   // Four bits a byte: the narrowing shift is this processor's way to make a mask.
-  const uint8x8_t narrowed = vshrn_n_u16(vreinterpretq_u16_u8(found), 4);
+  const uint8x8_t narrowed = vshrn_n_u16(vreinterpretq_u16_u8(stopBytes<stop>(bytes)), 4);
   const std::uint64_t mask = vget_lane_u64(vreinterpret_u64_u8(narrowed), 0);
   return mask == 0 ? scanBlock : std::countr_zero(mask) / 4;
+}
+
+/// A bit for each of the 64 bytes at `from`, the first byte's lowest: set where to stop.
+template <StopAt stop>
+std::uint64_t stopsIn64(const char* from) {
+  constexpr std::array<std::uint8_t, 16> bits{1, 2, 4, 8, 16, 32, 64, 128,
+                                              1, 2, 4, 8, 16, 32, 64, 128};
+  const Block place = vld1q_u8(bits.data());
+  const auto block = [&](unsigned i) {
+    return vandq_u8(stopBytes<stop>(loadBlock(from + 16 * i)), place);
+  };
+  // Adding neighbours three times gathers each eight bytes' bits in one.
+  const Block low = vpaddq_u8(block(0), block(1));
+  const Block high = vpaddq_u8(block(2), block(3));
+  const Block all = vpaddq_u8(low, high);
+  return vgetq_lane_u64(vreinterpretq_u64_u8(vpaddq_u8(all, all)), 0);
 }
 
 #else
@@ -115,6 +153,13 @@ inline void storeBlock(char* to, Block block) {
 template <StopAt stop>
 std::ptrdiff_t cleanBytes(Block byte) {
   return stopsAt<stop>(byte) ? 0 : 1;
+}
+
+template <StopAt stop>
+std::uint64_t stopsIn64(const char* from) {
+  std::uint64_t stops = 0;
+  for (unsigned i = 0; i < 64; ++i) stops |= std::uint64_t{stopsAt<stop>(from[i])} << i;
+  return stops;
 }
 
 #endif
