@@ -1,0 +1,124 @@
+#include "benchmarks/driver/stand_in_application.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+#include <system_error>
+
+#include "benchmarks/driver/object_end.h"
+
+namespace {
+
+void require(bool done, const char* what) {
+  if (!done) throw std::system_error(errno, std::generic_category(), what);
+}
+
+void sendAll(int connection, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::send(connection, bytes.data(), bytes.size(), 0);
+    if (count <= 0) return;  // the client has gone; its answer will tell
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+pollfd readable(const Descriptor& descriptor) {
+  return {.fd = descriptor.get(), .events = POLLIN, .revents = 0};
+}
+
+}  // namespace
+
+StandInApplication::StandInApplication() : listener_(::socket(AF_INET, SOCK_STREAM, 0)) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof address;
+  auto* anyAddress = reinterpret_cast<sockaddr*>(&address);
+  require(::bind(listener_.get(), anyAddress, size) == 0, "bind");
+  require(::listen(listener_.get(), 16) == 0, "listen");
+  require(::getsockname(listener_.get(), anyAddress, &size) == 0, "getsockname");
+  port_ = ntohs(address.sin_port);
+
+  std::array<int, 2> stop{};
+  require(::pipe(stop.data()) == 0, "pipe");
+  stopReader_ = Descriptor(stop[0]);
+  stopWriter_ = Descriptor(stop[1]);
+  thread_ = std::thread([this] { serve(); });
+}
+
+StandInApplication::~StandInApplication() {
+  stopWriter_.reset();
+  thread_.join();
+}
+
+void StandInApplication::expect(const Script& script) {
+  exchanges_[0].reply = script.probeReply;
+  exchanges_[0].length = script.probeLength;
+  exchanges_[1].reply = script.callReply;
+  exchanges_[1].length = script.callLength;
+  for (Exchange& exchange : exchanges_) {
+    const std::size_t needed = std::max<std::size_t>(exchange.length, 65536);
+    if (exchange.buffer.size() < needed) exchange.buffer.resize(needed);
+    exchange.received = 0;
+  }
+  count_ = 0;
+}
+
+std::string_view StandInApplication::request(std::size_t index) const {
+  return std::string_view(exchanges_[index].buffer).substr(0, exchanges_[index].received);
+}
+
+std::size_t StandInApplication::requestCount() const {
+  busy_.wait(true);
+  return count_;
+}
+
+void StandInApplication::serve() {
+  std::vector<pollfd> polled;
+  while (true) {
+    polled = {readable(stopReader_), readable(listener_)};
+    std::ranges::transform(answered_, std::back_inserter(polled), readable);
+    if (::poll(polled.data(), static_cast<nfds_t>(polled.size()), -1) < 0) continue;
+    if (polled[0].revents != 0) return;
+    if (polled[1].revents != 0) answer(Descriptor(::accept(listener_.get(), nullptr, nullptr)));
+    closeFinished(polled);
+  }
+}
+
+void StandInApplication::answer(Descriptor connection) {
+  Exchange& exchange = exchanges_[count_ % exchanges_.size()];
+  busy_ = true;
+  receive(connection.get(), exchange);
+  ++count_;
+  sendAll(connection.get(), exchange.reply);
+  busy_ = false;
+  busy_.notify_all();
+  answered_.push_back(std::move(connection));
+}
+
+void StandInApplication::receive(int connection, Exchange& exchange) {
+  ObjectEnd end;
+  std::string& buffer = exchange.buffer;
+  exchange.received = 0;
+  for (bool whole = false; !whole;) {
+    if (exchange.received == buffer.size()) buffer.resize(2 * buffer.size());
+    char* fresh = buffer.data() + exchange.received;
+    const ssize_t count = ::recv(connection, fresh, buffer.size() - exchange.received, 0);
+    if (count <= 0) return;
+    const auto size = static_cast<std::size_t>(count);
+    exchange.received += size;
+    whole = exchange.length > 0 ? exchange.received >= exchange.length : end.passed({fresh, size});
+  }
+}
+
+// Anything that a client does after its reply, closing or otherwise, ends its connection.
+void StandInApplication::closeFinished(const std::vector<pollfd>& polled) {
+  std::erase_if(answered_, [&polled](const Descriptor& connection) {
+    return std::ranges::any_of(polled, [&connection](const pollfd& entry) {
+      return entry.fd == connection.get() && entry.revents != 0;
+    });
+  });
+}
