@@ -13,19 +13,25 @@ void waitUntilReadable(int descriptor) {
   poll(&wait, 1, -1);
 }
 
+std::string_view withoutCarriageReturn(std::string_view line) {
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
 }  // namespace
 
-std::optional<std::string_view> LineReader::next() {
+std::optional<std::string_view> LineReader::next(
+    const std::function<void(std::string_view beginning)>& partial) {
   std::size_t searched = 0;
   while (true) {
     const std::size_t lineFeed = rest().find('\n', searched);
     if (lineFeed != std::string_view::npos) {
       std::string_view line = take(lineFeed + 1);
       line.remove_suffix(1);
-      if (line.ends_with('\r')) line.remove_suffix(1);
-      return line;
+      return withoutCarriageReturn(line);
     }
     searched = rest().size();
+    if (searched > 0) partial(withoutCarriageReturn(rest()));
     if (!readMore()) break;
   }
   if (rest().empty()) return std::nullopt;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string_view>
 
@@ -18,7 +19,12 @@ class LineReader {
   /// The next line without its end, which is a line feed or a carriage return and a line
   /// feed; the last line may lack it. None at the end of input, or when reading fails. Waits
   /// for the line to be there. Valid until the next call.
-  std::optional<std::string_view> next();
+  ///
+  /// While a long line is still coming in, `partial` is given its beginning, again and again as
+  /// it grows and moves, and never with a carriage return that may turn out to be the line's
+  /// end.
+  std::optional<std::string_view> next(
+      const std::function<void(std::string_view beginning)>& partial);
 
  private:
   [[nodiscard]] std::string_view rest() const { return bytes_.view().substr(begin_); }

@@ -4,8 +4,7 @@
 
 #include <iterator>
 #include <string>
-
-#include "json/reader.h"
+#include <utility>
 
 namespace server {
 namespace {
@@ -21,16 +20,21 @@ std::string repaired(std::string_view line) {
 }  // namespace
 
 void StdioLoop::run() {
-  while (const auto line = lines_.next()) {
-    if (!line->empty()) handleLine(*line);
+  while (true) {
+    json::Reader reader;  // reads a long line on while it is still coming in
+    const auto line = lines_.next([&](std::string_view soFar) { reader.read(soFar); });
+    if (!line) return;
+    if (!line->empty()) handleLine(*line, reader);
   }
 }
 
-void StdioLoop::handleLine(std::string_view line) const {
-  if (const auto document = json::read(line)) {
-    if (document->root().isObject()) handle_(document->root());
+void StdioLoop::handleLine(std::string_view line, json::Reader& reader) const {
+  if (reader.read(line) == json::Reader::State::complete) {
+    const json::Document document = std::move(reader).take(line);
+    if (document.root().isObject()) handle_(document.root());
   } else if (!utf8::is_valid(line.begin(), line.end())) {
-    handleLine(repaired(line));
+    json::Reader again;
+    handleLine(repaired(line), again);
   }
 }
 

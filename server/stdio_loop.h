@@ -4,6 +4,7 @@
 #include <functional>
 #include <string_view>
 
+#include "json/reader.h"
 #include "json/value.h"
 #include "server/line_reader.h"
 
@@ -22,7 +23,7 @@ class StdioLoop {
   void run();
 
  private:
-  void handleLine(std::string_view line) const;
+  void handleLine(std::string_view line, json::Reader& reader) const;
 
   LineReader lines_;
   std::function<void(json::Value)> handle_;
