@@ -52,7 +52,10 @@ TEST_F(Exchange, EachHasAConnectionOfItsOwn) {
 }
 
 TEST_F(Exchange, EndsWithNoneWhenTheApplicationHangsUp) {
-  app.script({hangUp(), readAndHangUp(), reset()});
+  app.script({hangUp(), readAndHangUp(), [](AppConnection& connection) {
+                connection.readRequest();
+                connection.reset();
+              }});
   for (int i = 0; i < 3; ++i) {
     const Outcome outcome = exchange(30s);
     EXPECT_TRUE(outcome.ended) << i;

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include <asio/executor_work_guard.hpp>
 
@@ -54,7 +55,6 @@ class NWConnectionBox : public testing::Test {
     ASSERT_TRUE(runUntilEnded());
     runFor(100ms);
     EXPECT_EQ(completions, 1);
-    EXPECT_TRUE(app.waitUntilClosedByServer(0));
   }
 
   [[nodiscard]] std::size_t replySize() const { return Reply::mostBytes - reply->left(); }
@@ -89,6 +89,7 @@ TEST_F(NWConnectionBox, DeliversTheReply) {
   exchange(::reply(R"({"ok":true,"result":"this"})"));
   ASSERT_TRUE(reply && reply->isWhole());
   EXPECT_EQ(reply->document()->root().member("result")->string(), "this");
+  EXPECT_TRUE(app.waitUntilClosedByServer(0));
 }
 
 TEST_F(NWConnectionBox, DeliversBytesThatAreNoMessage) {
@@ -96,6 +97,7 @@ TEST_F(NWConnectionBox, DeliversBytesThatAreNoMessage) {
   ASSERT_TRUE(reply);
   EXPECT_FALSE(reply->isWhole());
   EXPECT_EQ(replySize(), 1U);
+  EXPECT_TRUE(app.waitUntilClosedByServer(0));
 }
 
 TEST_F(NWConnectionBox, ReplyWrittenAtOnceIsOneDelivery) {
@@ -143,6 +145,7 @@ TEST_F(NWConnectionBox, EndlessReplyIsCutToTheGreatestSize) {
   exchange(::reply(std::string(3 * Reply::mostBytes, ' ')));
   ASSERT_TRUE(reply);
   EXPECT_EQ(reply->left(), 0U);
+  EXPECT_TRUE(app.waitUntilClosedByServer(0));
 }
 
 TEST_F(NWConnectionBox, EndOfTheStreamEndsTheReply) {
@@ -153,6 +156,7 @@ TEST_F(NWConnectionBox, EndOfTheStreamEndsTheReply) {
   });
   ASSERT_TRUE(reply);
   EXPECT_EQ(replySize(), 6U);
+  EXPECT_TRUE(app.waitUntilClosedByServer(0));
 }
 
 TEST_F(NWConnectionBox, CloseWithoutAReplyEndsItWithNone) {
@@ -171,6 +175,18 @@ TEST_F(NWConnectionBox, ResetEndsItWithNone) {
     connection.reset();
   });
   EXPECT_FALSE(reply);
+}
+
+// Such a connection was made and has failed: it is not one that is still refused.
+TEST_F(NWConnectionBox, ResetBeforeAnythingWasSentEndsItWithNone) {
+  app.script({reset()});
+  const auto box = start("{}");
+  ASSERT_TRUE(app.waitForConnections(1));
+  std::this_thread::sleep_for(200ms);
+  runFor(300ms);
+  EXPECT_EQ(completions, 1);
+  EXPECT_FALSE(reply);
+  EXPECT_EQ(app.connectionCount(), 1U);
 }
 
 TEST_F(NWConnectionBox, SilenceDoesNotEndIt) {

@@ -93,6 +93,14 @@ TEST(Buffer, DropsFromTheFront) {
   EXPECT_EQ(buffer.size(), 0U);
 }
 
+TEST(Buffer, LastIsTheOnePushedLast) {
+  Buffer<int> buffer = oneToFive();
+  EXPECT_EQ(buffer.last(), 5);
+  buffer.last() = 9;
+  buffer.push(10);
+  EXPECT_EQ(contents(buffer), (std::vector{1, 2, 3, 4, 9, 10}));
+}
+
 TEST(Buffer, TruncatesAndKeepsItsRoom) {
   Buffer<int> buffer = oneToFive();
   const std::size_t capacity = buffer.capacity();

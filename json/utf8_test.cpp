@@ -96,7 +96,8 @@ TEST(Utf8Sequence, OfFourBytesIsWellFormedJustWhenItIsACodePoints) {
 }
 
 TEST(Utf8Sequence, IsCutShortWhileItCanStillBecomeWellFormed) {
-  for (const char32_t codePoint : {0x80, 0x7FF, 0x800, 0xD7FF, 0xE000, 0xFFFF, 0x10000, 0x10FFFF}) {
+  for (const char32_t codePoint :
+       {0x80U, 0x7FFU, 0x800U, 0xD7FFU, 0xE000U, 0xFFFFU, 0x10000U, 0x10FFFFU}) {
     const std::string bytes = encoded(codePoint);
     for (std::size_t present = 1; present < bytes.size(); ++present) {
       EXPECT_EQ(judge(std::string_view(bytes).substr(0, present)).state, cutShort)
