@@ -18,6 +18,7 @@ struct Compact : Plain {
   static constexpr auto order = MemberStack::Order::asGiven;
   static constexpr std::string_view colon = ":";
   static constexpr bool breaksLines = false;
+  static constexpr std::size_t usualGrowth = 1;
 };
 
 /// A line for each member and element.
@@ -25,6 +26,7 @@ struct PrettyQuoted : Quoted {
   static constexpr auto order = MemberStack::Order::byName;
   static constexpr std::string_view colon = " : ";
   static constexpr bool breaksLines = true;
+  static constexpr std::size_t usualGrowth = 2;
 };
 
 /// The end of a text that is being written. The place where the next byte goes is handed from
@@ -71,11 +73,20 @@ class Layout {
   Layout(Text& out, std::string_view text)
       : sink_(out), text_(text.data()), textEnd_(text.data() + text.size()), members_(text) {}
 
-  void append(const Node* value) { sink_.finish(append(value, 0, sink_.begin())); }
+  void append(const Node* value) {
+    char* const to = sink_.reserve(sink_.begin(), Style::usualGrowth * sizeOf(value));
+    sink_.finish(append(value, 0, to));
+  }
 
  private:
   // Enough for the punctuation around a member, its blanks not counted.
   static constexpr std::size_t punctuation = 32;
+
+  /// Bytes from a value's first token to its last.
+  static std::size_t sizeOf(const Node* value) {
+    const Node* const last = value->next() - 1;
+    return last->begin() - value->begin() + (last->isContainer() ? 1 : last->extent());
+  }
 
   char* append(const Node* value, std::size_t level, char* to) {
     switch (value->kind()) {
@@ -140,16 +151,21 @@ class Layout {
     constexpr std::ptrdiff_t piece = 16384;
     const char* from = text_ + string->begin();
     const char* const end = from + string->extent();
-    to = put(sink_.reserve(to, punctuation), Style::quote);
-    while (from != end) {
+    to = put(reserveForString(to, std::min(piece, end - from)), Style::quote);
+    while (true) {
       const char* const stop = from + std::min(piece, end - from);
-      const auto size = static_cast<std::size_t>(stop - from);
-      to = sink_.reserve(to, mostForOne * size + longestCharacter + scanBlock + punctuation);
       const Copied copied = respell(from, stop, end, to);
       from = copied.from;
       to = copied.to;
+      if (from == end) return put(to, Style::quote);
+      to = reserveForString(to, std::min(piece, end - from));
     }
-    return put(to, Style::quote);
+  }
+
+  char* reserveForString(char* to, std::ptrdiff_t size) {
+    constexpr std::size_t mostForOne = 4;  // a slash can become four bytes
+    return sink_.reserve(to, mostForOne * static_cast<std::size_t>(size) + longestCharacter +
+                                 scanBlock + punctuation);
   }
 
   /// Copies a string from `from` to `stop`, or a little further if an escape crosses it.
@@ -195,7 +211,6 @@ class Layout {
   }
 
   static constexpr std::size_t indent = 2;
-  static constexpr std::size_t mostForOne = 4;  // a slash can become four bytes
 
   Sink sink_;
   const char* text_;

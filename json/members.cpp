@@ -24,7 +24,7 @@ std::uint64_t firstEightBytes(const char* from, std::size_t size, const char* re
 
 /// Sorts a few in place by insertion, which is what most objects have; std::sort calls memmove
 /// for each, which costs more than all the rest.
-void sort(auto begin, auto end, auto comesBefore) {
+void sortByInsertionIfFew(auto begin, auto end, auto comesBefore) {
   constexpr std::ptrdiff_t few = 16;
   if (end - begin > few) return std::sort(begin, end, comesBefore);
   for (auto next = begin; next != end; ++next) {
@@ -62,7 +62,7 @@ std::size_t MemberStack::enter(const Node* object, Order order) {
   }
   const auto begin = members_.begin() + static_cast<std::ptrdiff_t>(first);
   // Nearly always the heads tell. Where a name is given twice, the last one comes first.
-  sort(begin, members_.end(), [this](const Member& a, const Member& b) {
+  sortByInsertionIfFew(begin, members_.end(), [this](const Member& a, const Member& b) {
     if (a.head != b.head) return a.head < b.head;
     const int names = compareNames(a.name, b.name);
     return names != 0 ? names < 0 : a.name > b.name;
