@@ -43,6 +43,9 @@ void NWConnectionBox::connect() {
 }
 
 void NWConnectionBox::connected(Error error) {
+  // Accepted and thrown out at once: that is the end of an exchange, not an application to
+  // wait for.
+  if (error == asio::error::connection_reset) return finish(std::nullopt);
   if (error || isConnectedToItself()) return waitAndConnect();
   sendRequest();
 }

@@ -19,10 +19,12 @@ namespace {
 using namespace std::chrono_literals;
 using Lines = std::vector<std::string>;
 
+void ignore(std::string_view /*beginning*/) {}
+
 Lines allLines(int descriptor) {
   server::LineReader reader(descriptor);
   Lines lines;
-  while (const auto line = reader.next()) lines.emplace_back(*line);
+  while (const auto line = reader.next(ignore)) lines.emplace_back(*line);
   return lines;
 }
 
@@ -80,9 +82,42 @@ TEST(LineReader, LineIsThereAsSoonAsItHasEnded) {
   const Pipe pipe;
   server::LineReader reader(pipe.readEnd());
   pipe.write("one\ntw");
-  EXPECT_EQ(reader.next(), "one");
+  EXPECT_EQ(reader.next(ignore), "one");
   pipe.write("o\n");
-  EXPECT_EQ(reader.next(), "two");
+  EXPECT_EQ(reader.next(ignore), "two");
+}
+
+TEST(LineReader, ShowsTheBeginningOfALineThatIsStillComingIn) {
+  Pipe pipe;
+  server::LineReader reader(pipe.readEnd());
+  const Lines comesIn{"two", "three\r", "\r", "\n", "end\r"};
+  Lines shown;
+  const auto show = [&](std::string_view beginning) {
+    shown.emplace_back(beginning);
+    pipe.write(comesIn.at(shown.size() - 1));
+    if (shown.size() == comesIn.size()) pipe.closeWriteEnd();
+  };
+  pipe.write("zero\none");
+  EXPECT_EQ(reader.next(show), "zero");
+  EXPECT_EQ(shown, Lines{});
+  EXPECT_EQ(reader.next(show), "onetwothree\r");
+  EXPECT_EQ(shown, (Lines{"one", "onetwo", "onetwothree", "onetwothree\r"}));
+}
+
+TEST(LineReader, ShowsWithALongLineOnlyWhatItBeginsWith) {
+  const std::string line = "x\r\r" + std::string(1'000'000, '\r') + "y\r\r";
+  Pipe pipe;
+  std::thread writer([&] { pipe.write(line + "\r\n"); });
+  server::LineReader reader(pipe.readEnd());
+  std::size_t longest = 0;
+  const auto read = reader.next([&](std::string_view beginning) {
+    EXPECT_TRUE(line.starts_with(beginning));
+    EXPECT_GE(beginning.size(), longest);
+    longest = beginning.size();
+  });
+  EXPECT_TRUE(read == line);
+  EXPECT_GT(longest, 0U);
+  writer.join();
 }
 
 TEST(LineReader, LinesMayBeAnyLength) {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -12,13 +12,18 @@
 
 namespace {
 
+using namespace std::chrono_literals;
 using Handled = std::vector<std::string>;
 
-/// The objects that are handed on when this comes in, laid out compactly.
-Handled handled(std::string_view input) {
+/// The objects that are handed on when this comes in, laid out compactly. If it comes in
+/// pieces, there is a pause between them.
+Handled handledInPieces(const std::vector<std::string>& pieces) {
   Pipe pipe;
   std::thread writer([&] {
-    pipe.write(input);
+    for (const std::string& piece : pieces) {
+      pipe.write(piece);
+      if (pieces.size() > 1) std::this_thread::sleep_for(20ms);
+    }
     pipe.closeWriteEnd();
   });
   Handled all;
@@ -29,6 +34,10 @@ Handled handled(std::string_view input) {
   }).run();
   writer.join();
   return all;
+}
+
+Handled handled(const std::string& input) {
+  return handledInPieces({input});
 }
 
 TEST(StdioLoop, EndsAtTheEndOfInput) {
@@ -77,6 +86,29 @@ TEST(StdioLoop, DropsALineThatNoRepairMends) {
 TEST(StdioLoop, LongLinesAreHandled) {
   const std::string line = "{\"a\":\"" + std::string(3'000'000, 'x') + "\"}";
   EXPECT_TRUE(handled(line + "\n{}\n") == (Handled{line, "{}"}));
+}
+
+TEST(StdioLoop, LinesMayComeInPieces) {
+  EXPECT_EQ(handledInPieces({"{\"a\"", ":\"\xE2", "\x82\xAC\\u00", "e9\",\"b\":tr", "ue}\r",
+                             "\n{\"c\":1", "2}"}),
+            (Handled{"{\"a\":\"\xE2\x82\xAC\xC3\xA9\",\"b\":true}", R"({"c":12})"}));
+}
+
+TEST(StdioLoop, PieceThatEndsInACarriageReturnMayGoOn) {
+  EXPECT_EQ(handledInPieces({"{}\r", "\r\n{\"a\":\r", "1}\n"}), (Handled{"{}", R"({"a":1})"}));
+  EXPECT_EQ(handledInPieces({"{}\r", "x\n{\"next\":1}\n"}), Handled{R"({"next":1})"});
+}
+
+TEST(StdioLoop, RepairsALineThatComesInPieces) {
+  EXPECT_EQ(handledInPieces({"{\"a\":\"\xFF", "b\xE2\x82", "c\"}", "\n"}),
+            Handled{"{\"a\":\"\xEF\xBF\xBD"
+                    "b\xEF\xBF\xBD"
+                    "c\"}"});
+}
+
+TEST(StdioLoop, SpoiltLineInPiecesDoesNotSpoilTheNext) {
+  EXPECT_EQ(handledInPieces({"{\"a\":x", "}\n{\"b\":", "1}\n[", "1]\n{}", "\n"}),
+            (Handled{R"({"b":1})", "{}"}));
 }
 
 TEST(StdioLoop, ManyLinesAreHandledEachByItself) {

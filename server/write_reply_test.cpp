@@ -7,6 +7,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <ctime>
 #include <string>
 #include <thread>
 #include <vector>
@@ -96,6 +97,14 @@ TEST(WriteReply, WaitsForAPipeThatRefusesToBlock) {
   fcntl(pipe.writeEnd(), F_SETFL, fcntl(pipe.writeEnd(), F_GETFL) | O_NONBLOCK);
   const std::string reply(5'000'000, 'x');
   EXPECT_TRUE(written(pipe, reply, 100ms) == reply + '\n');
+}
+
+TEST(WriteReply, WaitingTakesNoTimeOfTheProcessor) {
+  Pipe pipe;
+  fcntl(pipe.writeEnd(), F_SETFL, fcntl(pipe.writeEnd(), F_GETFL) | O_NONBLOCK);
+  const std::clock_t before = std::clock();
+  written(pipe, std::string(100'000, 'x'), 500ms);
+  EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 5);
 }
 
 TEST(WriteReply, SignalDoesNotCutTheReplyShort) {

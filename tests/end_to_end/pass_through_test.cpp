@@ -1,0 +1,80 @@
+#include "tests/support/conversation.h"
+
+namespace {
+
+using nlohmann::json;
+
+// Values that a parser with numbers of its own, or strict strings, would change or refuse.
+// They are looked for in the raw text, since the usual judge of JSON refuses them too.
+constexpr std::string_view oddNumbers =
+    "[1e+21,123456789012345678901234567890,-0,1E400,1.10,0.1e-7,-0.0,1e5,100000000000000000000.5]";
+
+class PassThrough : public Conversation {};
+
+TEST_F(PassThrough, NumbersInAnIdAreKeptAsWritten) {
+  for (const std::string_view number :
+       {"1e+21", "123456789012345678901234567890", "-0", "1E400", "1.0", "9223372036854775808",
+        "0.1e-7", oddNumbers.data()}) {
+    const std::string id(number);
+    say(request("ping", id));
+    const std::string line = hearLine();
+    EXPECT_TRUE(has(line, "\"id\":" + id + ",") || has(line, "\"id\":" + id + "}"));
+  }
+}
+
+TEST_F(PassThrough, NumbersInArgumentsAreKeptAsWritten) {
+  say(toolCall(R"({"name":"x","arguments":{"n":)" + std::string(oddNumbers) + "}}"));
+  hear();
+  EXPECT_TRUE(has(app.record(1).received, "{\"n\":" + std::string(oddNumbers) + "}"));
+}
+
+TEST_F(PassThrough, NumbersInAResultAreKeptAsWritten) {
+  std::string expected = "[\n  ";
+  for (const char letter : oddNumbers.substr(1, oddNumbers.size() - 2)) {
+    expected += letter == ',' ? ",\n  " : std::string(1, letter);
+  }
+  expected += "\n]";
+  const std::string reply = R"({"ok":true,"result":)" + std::string(oddNumbers) + "}";
+  EXPECT_EQ(callGivingText(reply), expected);
+}
+
+TEST_F(PassThrough, UnpairedSurrogatesInAnIdAreKept) {
+  for (const std::string id : {R"("\ud800")", R"("a\udfffb")", R"("\udc00\ud800")"}) {
+    say(request("ping", id));
+    EXPECT_TRUE(has(hearLine(), "\"id\":" + id));
+  }
+}
+
+TEST_F(PassThrough, UnpairedSurrogatesInAMethodAreKept) {
+  say(request(R"(pi\ud800ng/\udc01)"));
+  EXPECT_TRUE(has(hearLine(), R"("Unknown method pi\ud800ng\/\udc01")"));
+}
+
+TEST_F(PassThrough, UnpairedSurrogatesInNameAndArgumentsAreForwarded) {
+  say(toolCall(R"({"name":"t\ud800","arguments":{"k\udc00":["x\udbff","\ud83d\ude00"]}})"));
+  hear();
+  const std::string sent = app.record(1).received;
+  EXPECT_TRUE(has(sent, R"("tool":"t\ud800")"));
+  EXPECT_TRUE(has(sent, R"({"k\udc00":["x\udbff","😀"]})"));
+}
+
+TEST_F(PassThrough, UnpairedSurrogatesInAResultAreKept) {
+  EXPECT_EQ(callGivingText(R"({"ok":true,"result":{"b\udfff":"\ud800x","a":"\ud800\ud800"}})"),
+            "{\n  \"a\" : \"\\ud800\\ud800\",\n  \"b\\udfff\" : \"\\ud800x\"\n}");
+}
+
+TEST_F(PassThrough, UnpairedSurrogatesInAnErrorAreKept) {
+  app.script({answer(), refuse(R"(bad name \ud800/\udc00!)")});
+  say(toolCall(R"({"name":"x"})"));
+  EXPECT_TRUE(has(hearLine(), R"("text":"bad name \ud800\/\udc00!")"));
+}
+
+TEST_F(PassThrough, UnpairedSurrogatesInTheTokenArePassedOn) {
+  endpointFile.write(R"({"version":1,"token":"s\ud800t","port":)" + std::to_string(app.port()) +
+                     "}");
+  callTool("x");
+  EXPECT_TRUE(has(app.record(0).received, R"("token":"s\ud800t")"));
+  EXPECT_TRUE(has(app.record(1).received, R"("token":"s\ud800t")"));
+}
+
+}  // namespace

@@ -1,0 +1,114 @@
+#ifdef __linux__
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <stdexcept>
+#include <vector>
+
+#include "tests/support/conversation.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+sockaddr_in loopback(int port) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  return address;
+}
+
+// A listener whose queue is full, so that further connections are neither refused nor
+// established, until makeRoom().
+class FullListener {
+ public:
+  FullListener() : listener_(::socket(AF_INET, SOCK_STREAM, 0)) {
+    sockaddr_in address = loopback(0);
+    socklen_t size = sizeof address;
+    if (::bind(listener_, reinterpret_cast<const sockaddr*>(&address), size) != 0 ||
+        ::listen(listener_, 0) != 0 ||
+        ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+      throw std::runtime_error("cannot listen");
+    }
+    port_ = ntohs(address.sin_port);
+    while (fillOnePlace()) {
+    }
+  }
+
+  ~FullListener() {
+    for (const int filler : fillers_) ::close(filler);
+    ::close(listener_);
+  }
+
+  FullListener(const FullListener&) = delete;
+  FullListener& operator=(const FullListener&) = delete;
+
+  int port() const { return port_; }
+
+  // Takes the waiting connections, and whatever comes after them, for that long; returns the
+  // bytes that came on them.
+  std::string makeRoom(std::chrono::milliseconds time) {
+    for (const int filler : fillers_) ::close(filler);
+    fillers_.clear();
+    std::string heard;
+    const auto end = std::chrono::steady_clock::now() + time;
+    while (std::chrono::steady_clock::now() < end) {
+      pollfd wanted{.fd = listener_, .events = POLLIN, .revents = 0};
+      if (::poll(&wanted, 1, 100) > 0) heard += takeOne();
+    }
+    return heard;
+  }
+
+ private:
+  // False when there is no place left.
+  bool fillOnePlace() {
+    const int filler = ::socket(AF_INET, SOCK_STREAM, 0);
+    if (filler < 0) throw std::runtime_error("no socket");
+    fillers_.push_back(filler);
+    ::fcntl(filler, F_SETFL, O_NONBLOCK);
+    const sockaddr_in address = loopback(port_);
+    if (::connect(filler, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+      return true;
+    }
+    pollfd wanted{.fd = filler, .events = POLLOUT, .revents = 0};
+    return ::poll(&wanted, 1, 300) > 0;
+  }
+
+  std::string takeOne() const {
+    const int taken = ::accept(listener_, nullptr, nullptr);
+    std::array<char, 4096> block{};
+    pollfd wanted{.fd = taken, .events = POLLIN, .revents = 0};
+    const ssize_t got = ::poll(&wanted, 1, 500) > 0 ? ::read(taken, block.data(), block.size()) : 0;
+    ::close(taken);
+    return {block.data(), static_cast<std::size_t>(got > 0 ? got : 0)};
+  }
+
+  int listener_;
+  int port_ = 0;
+  std::vector<int> fillers_;
+};
+
+class Unestablished : public LaunchConversation {};
+
+TEST_F(Unestablished, ConnectionIsWaitedForUntilTheDeadlineAndNeverUsedLater) {
+  FullListener full;
+  endpointFile.publish(full.port());
+  launches.script({.publish = EndpointFile::text(app.port())});
+  const auto start = Clock::now();
+  EXPECT_EQ(callTool("x").size(), 1U);
+  const Seconds took = launches.startOf(0) - start;
+  EXPECT_GE(took, Seconds(3));
+  EXPECT_LT(took, Seconds(5));
+  EXPECT_EQ(full.makeRoom(10s), "") << "a request that its caller has given up";
+}
+
+}  // namespace
+
+#endif

@@ -1,0 +1,130 @@
+#include "tests/support/child_start.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <system_error>
+
+#include "tests/support/private_mounts.h"
+
+extern char** environ;  // NOLINT(readability-redundant-declaration): not everywhere declared
+
+namespace {
+
+enum class Step { mounts, directory, exec };
+
+struct StartFailure {
+  Step step;
+  int error;
+};
+
+// Everything that the child needs is made ready before fork: the test has threads, so the
+// child may not allocate.
+struct ChildPlan {
+  ChildPlan(const TemporaryHome& home, const ServerSetup& wanted, ChildStreams ends)
+      : setup(wanted), streams(ends), mounts(wanted.overUsrBin) {
+    arguments.emplace_back(QUILLMARK_MCP_BINARY);
+    arguments.insert(arguments.end(), setup.arguments.begin(), setup.arguments.end());
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+      if (std::strncmp(*entry, "HOME=", 5) != 0) environment.emplace_back(*entry);
+    }
+    environment.push_back("HOME=" + home.home().string());
+    environment.insert(environment.end(), setup.environment.begin(), setup.environment.end());
+    argumentPointers = pointersTo(arguments);
+    environmentPointers = pointersTo(environment);
+  }
+
+  static std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts) pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+  }
+
+  const ServerSetup& setup;
+  ChildStreams streams;
+  PrivateMounts mounts;
+  std::vector<std::string> arguments;
+  std::vector<std::string> environment;
+  std::vector<char*> argumentPointers;
+  std::vector<char*> environmentPointers;
+};
+
+void takeStreams(const ChildPlan& plan, int report) {
+  ::dup2(plan.streams.input, STDIN_FILENO);
+  ::dup2(plan.streams.output, STDOUT_FILENO);
+  ::dup2(plan.streams.error, STDERR_FILENO);
+  for (int descriptor = STDERR_FILENO + 1; descriptor < 1024; ++descriptor) {
+    if (descriptor != report) ::close(descriptor);
+  }
+  if (plan.setup.strayDescriptor) ::dup(STDERR_FILENO);
+}
+
+void takeSignals(const ChildPlan& plan) {
+  for (int number = 1; number < 32; ++number) ::signal(number, SIG_DFL);
+  sigset_t blocked;
+  ::sigemptyset(&blocked);
+  if (plan.setup.signalsBlockedAndIgnored) {
+    for (const int number : {SIGINT, SIGHUP, SIGPIPE, SIGCHLD, SIGUSR1}) {
+      ::signal(number, SIG_IGN);
+    }
+    for (const int number : {SIGTERM, SIGUSR2, SIGALRM, SIGCHLD}) ::sigaddset(&blocked, number);
+  }
+  ::sigprocmask(SIG_SETMASK, &blocked, nullptr);
+}
+
+StartFailure becomeServer(const ChildPlan& plan, int report) {
+  takeStreams(plan, report);
+  takeSignals(plan);
+  const rlimit noCore{.rlim_cur = 0, .rlim_max = 0};
+  ::setrlimit(RLIMIT_CORE, &noCore);
+  if (!plan.setup.overUsrBin.empty()) {
+    if (const int error = plan.mounts.enter()) return {.step = Step::mounts, .error = error};
+  }
+  if (!plan.setup.directory.empty() && ::chdir(plan.setup.directory.c_str()) != 0) {
+    return {.step = Step::directory, .error = errno};
+  }
+  ::execve(plan.argumentPointers[0], plan.argumentPointers.data(), plan.environmentPointers.data());
+  return {.step = Step::exec, .error = errno};
+}
+
+[[noreturn]] void throwFailure(const StartFailure& failure) {
+  const std::error_code code(failure.error, std::generic_category());
+  if (failure.step == Step::mounts) throw PrivateMountsRefused(code.message());
+  throw std::system_error(code, QUILLMARK_MCP_BINARY);
+}
+
+}  // namespace
+
+pid_t startServer(const TemporaryHome& home, const ServerSetup& setup, ChildStreams streams) {
+  const ChildPlan plan(home, setup, streams);
+  std::array<int, 2> report{};
+  if (::pipe(report.data()) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
+  ::fcntl(report[1], F_SETFD, FD_CLOEXEC);
+
+  const pid_t pid = ::fork();
+  if (pid == 0) {
+    const StartFailure failure = becomeServer(plan, report[1]);
+    (void)!::write(report[1], &failure, sizeof failure);
+    ::_exit(127);
+  }
+  ::close(report[1]);
+  if (pid < 0) throw std::system_error(errno, std::generic_category(), "fork");
+
+  // The pipe closes by itself when the program has been loaded.
+  StartFailure failure{};
+  const ssize_t told = ::read(report[0], &failure, sizeof failure);
+  ::close(report[0]);
+  if (told == sizeof failure) {
+    ::waitpid(pid, nullptr, 0);
+    throwFailure(failure);
+  }
+  return pid;
+}

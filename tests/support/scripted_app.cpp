@@ -1,0 +1,166 @@
+#include "tests/support/scripted_app.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <random>
+#include <stdexcept>
+#include <utility>
+
+#include "tests/support/scripts.h"
+
+// The port is one that the system does not give out by itself, so that nobody else can get
+// it while the application does not listen on it.
+ScriptedApp::ScriptedApp() : otherwise_(answer()) {
+  int wake[2];
+  if (::pipe(wake) != 0) throw std::runtime_error("no pipe");
+  wakeRead_ = wake[0];
+  wakeWrite_ = wake[1];
+  std::random_device random;
+  for (int attempt = 0; attempt < 100 && port_ == 0; ++attempt) {
+    const int candidate = std::uniform_int_distribution(15000, 32000)(random);
+    if (listenOn(candidate)) port_ = candidate;
+  }
+  if (port_ == 0) throw std::runtime_error("no free port");
+  acceptor_ = std::thread(&ScriptedApp::acceptConnections, this);
+}
+
+ScriptedApp::~ScriptedApp() {
+  {
+    const std::lock_guard lock(state_.mutex);
+    state_.ending = true;
+    state_.changed.notify_all();
+  }
+  wakeAcceptor();
+  acceptor_.join();
+  for (std::thread& thread : threads_) thread.join();
+  stopListening();
+  ::close(wakeRead_);
+  ::close(wakeWrite_);
+}
+
+bool ScriptedApp::listenOn(int port) {
+  const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+  if (socket < 0) return false;
+  const int on = 1;
+  ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  if (::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+      ::listen(socket, 64) != 0) {
+    ::close(socket);
+    return false;
+  }
+  listener_ = socket;
+  return true;
+}
+
+void ScriptedApp::wakeAcceptor() {
+  (void)!::write(wakeWrite_, "", 1);
+}
+
+// The acceptor may be waiting on the socket, which keeps it alive beyond close().
+void ScriptedApp::stopListening() {
+  const int socket = listener_.exchange(-1);
+  if (socket < 0) return;
+  ::shutdown(socket, SHUT_RDWR);
+  ::close(socket);
+}
+
+void ScriptedApp::listenAgain() {
+  if (!listenOn(port_)) throw std::runtime_error("the port is taken");
+  wakeAcceptor();
+}
+
+void ScriptedApp::acceptConnections() {
+  while (true) {
+    pollfd wanted[] = {{.fd = wakeRead_, .events = POLLIN, .revents = 0},
+                       {.fd = listener_, .events = POLLIN, .revents = 0}};
+    ::poll(wanted, 2, 50);
+    if (wanted[0].revents != 0) {
+      char byte = 0;
+      (void)!::read(wakeRead_, &byte, 1);
+    }
+    std::unique_lock lock(state_.mutex);
+    if (state_.ending) return;
+    if (wanted[1].fd < 0 || (wanted[1].revents & POLLIN) == 0) continue;
+    const int socket = ::accept(wanted[1].fd, nullptr, nullptr);
+    if (socket < 0) continue;
+    const std::size_t index = state_.records.size();
+    state_.records.push_back({{}, std::chrono::steady_clock::now(), std::nullopt});
+    state_.changed.notify_all();
+    lock.unlock();
+    if (oneAtATime_) {
+      serve(socket, index);
+    } else {
+      threads_.emplace_back(&ScriptedApp::serve, this, socket, index);
+    }
+  }
+}
+
+void ScriptedApp::serve(int socket, std::size_t index) {
+  AppConnection connection(socket, state_, index);
+  scriptFor()(connection);
+  connection.waitForServerToClose();
+}
+
+ScriptedApp::Script ScriptedApp::scriptFor() {
+  const std::lock_guard lock(state_.mutex);
+  if (scripts_.empty()) return otherwise_;
+  Script next = std::move(scripts_.front());
+  scripts_.pop_front();
+  return next;
+}
+
+void ScriptedApp::script(std::vector<Script> scripts) {
+  const std::lock_guard lock(state_.mutex);
+  for (Script& script : scripts) scripts_.push_back(std::move(script));
+}
+
+void ScriptedApp::otherwise(Script script) {
+  const std::lock_guard lock(state_.mutex);
+  otherwise_ = std::move(script);
+}
+
+void ScriptedApp::release() {
+  const std::lock_guard lock(state_.mutex);
+  ++state_.released;
+  state_.changed.notify_all();
+}
+
+template <typename Condition>
+bool ScriptedApp::waitFor(Duration within, Condition condition) {
+  std::unique_lock lock(state_.mutex);
+  return state_.changed.wait_for(lock, within, condition);
+}
+
+std::size_t ScriptedApp::connectionCount() {
+  const std::lock_guard lock(state_.mutex);
+  return state_.records.size();
+}
+
+bool ScriptedApp::waitForConnections(std::size_t count, Duration within) {
+  return waitFor(within, [&] { return state_.records.size() >= count; });
+}
+
+bool ScriptedApp::waitUntilClosedByServer(std::size_t index, Duration within) {
+  return waitFor(within, [&] {
+    return state_.records.size() > index && state_.records[index].closedByServer.has_value();
+  });
+}
+
+bool ScriptedApp::waitUntilReceived(std::size_t index, std::size_t bytes, Duration within) {
+  return waitFor(within, [&] {
+    return state_.records.size() > index && state_.records[index].received.size() >= bytes;
+  });
+}
+
+ConnectionRecord ScriptedApp::record(std::size_t index) {
+  const std::lock_guard lock(state_.mutex);
+  return state_.records.at(index);
+}

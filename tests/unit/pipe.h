@@ -1,0 +1,44 @@
+#pragma once
+
+#include <unistd.h>
+
+#include <array>
+#include <stdexcept>
+#include <string_view>
+
+/// A pipe with both its ends.
+class Pipe {
+ public:
+  Pipe() {
+    if (pipe(ends_.data()) != 0) throw std::runtime_error("no pipe");
+  }
+  Pipe(const Pipe&) = delete;
+  Pipe& operator=(const Pipe&) = delete;
+  ~Pipe() {
+    closeReadEnd();
+    closeWriteEnd();
+  }
+
+  [[nodiscard]] int readEnd() const { return ends_[0]; }
+  [[nodiscard]] int writeEnd() const { return ends_[1]; }
+
+  /// Returns when all is written: what is more than a pipe holds must be read meanwhile.
+  void write(std::string_view bytes) const {
+    while (!bytes.empty()) {
+      const ssize_t written = ::write(ends_[1], bytes.data(), bytes.size());
+      if (written <= 0) throw std::runtime_error("can't write to the pipe");
+      bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+  }
+
+  void closeReadEnd() { closeEnd(ends_[0]); }
+  void closeWriteEnd() { closeEnd(ends_[1]); }
+
+ private:
+  static void closeEnd(int& end) {
+    if (end >= 0) close(end);
+    end = -1;
+  }
+
+  std::array<int, 2> ends_{-1, -1};
+};
