@@ -109,7 +109,7 @@ TEST_F(NonBlockingPipes, WaitingForInputCostsNoProcessorTime) {
   hear();
   std::this_thread::sleep_for(5s);
   server->closeInput();
-  EXPECT_LT(server->waitForExit().processorTime, Seconds(1));
+  EXPECT_LT(server->waitForExit().processorTime, Seconds(0.5));
 }
 
 }  // namespace

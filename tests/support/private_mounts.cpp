@@ -25,6 +25,36 @@ std::string identity(unsigned id) {
   return std::to_string(id) + " " + std::to_string(id) + " 1";
 }
 
+/// Puts the root directory back to the real one. Whoever has a working directory outside their
+/// root can climb out of it.
+int leaveChangedRoot() noexcept {
+  constexpr int deepestRoot = 64;
+  if (::chdir("/") != 0 || ::chroot("/usr") != 0) return errno;
+  for (int i = 0; i < deepestRoot; ++i) {
+    if (::chdir("..") != 0) return errno;
+  }
+  return ::chroot(".") == 0 ? 0 : errno;
+}
+
+int makePrivate() noexcept {
+  return ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 ? 0 : errno;
+}
+
+/// Where the root was changed to a plain folder, the mount that the folder is on can only be
+/// named from outside.
+int makePrivateFromOutside() noexcept {
+  const int folder = ::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const int root = ::open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (folder < 0 || root < 0) return errno;
+  int error = leaveChangedRoot();
+  if (error == 0) error = makePrivate();
+  const bool back = ::fchdir(root) == 0 && ::chroot(".") == 0 && ::fchdir(folder) == 0;
+  if (error == 0 && !back) error = errno;
+  ::close(folder);
+  ::close(root);
+  return error;
+}
+
 }  // namespace
 
 // The folder is the upper of two read-only layers, so nothing has to be writable and the
@@ -41,7 +71,9 @@ int PrivateMounts::enter() const noexcept {
     if (const int error = writeFile("/proc/self/uid_map", userMap_)) return error;
     if (const int error = writeFile("/proc/self/gid_map", groupMap_)) return error;
   }
-  if (::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return errno;
+  int error = makePrivate();
+  if (error == EINVAL) error = makePrivateFromOutside();
+  if (error != 0) return error;
   return ::mount("overlay", "/usr/bin", "overlay", MS_RDONLY, overlayOptions_.c_str()) == 0 ? 0
                                                                                             : errno;
 }

@@ -12,8 +12,30 @@
 
 #include "tests/support/scripts.h"
 
-// The port is one that the system does not give out by itself, so that nobody else can get
-// it while the application does not listen on it.
+namespace {
+
+// A socket of that kind bound to a port of 127.0.0.1, or -1 when the port is taken.
+int boundSocket(int type, int port) {
+  const int socket = ::socket(AF_INET, type, 0);
+  if (socket < 0) return -1;
+  const int on = 1;
+  if (type == SOCK_STREAM) ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  if (::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+    return socket;
+  }
+  ::close(socket);
+  return -1;
+}
+
+}  // namespace
+
+// Nobody else may get the port while the application does not listen on it. So it is one that
+// the system does not give out by itself, and the UDP port of the same number is held all the
+// time, which keeps the applications of other tests away.
 ScriptedApp::ScriptedApp() : otherwise_(answer()) {
   int wake[2];
   if (::pipe(wake) != 0) throw std::runtime_error("no pipe");
@@ -22,7 +44,12 @@ ScriptedApp::ScriptedApp() : otherwise_(answer()) {
   std::random_device random;
   for (int attempt = 0; attempt < 100 && port_ == 0; ++attempt) {
     const int candidate = std::uniform_int_distribution(15000, 32000)(random);
-    if (listenOn(candidate)) port_ = candidate;
+    reservation_ = boundSocket(SOCK_DGRAM, candidate);
+    if (reservation_ >= 0 && listenOn(candidate)) {
+      port_ = candidate;
+    } else {
+      ::close(reservation_);
+    }
   }
   if (port_ == 0) throw std::runtime_error("no free port");
   acceptor_ = std::thread(&ScriptedApp::acceptConnections, this);
@@ -38,21 +65,15 @@ ScriptedApp::~ScriptedApp() {
   acceptor_.join();
   for (std::thread& thread : threads_) thread.join();
   stopListening();
+  ::close(reservation_);
   ::close(wakeRead_);
   ::close(wakeWrite_);
 }
 
 bool ScriptedApp::listenOn(int port) {
-  const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+  const int socket = boundSocket(SOCK_STREAM, port);
   if (socket < 0) return false;
-  const int on = 1;
-  ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  if (::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-      ::listen(socket, 64) != 0) {
+  if (::listen(socket, 64) != 0) {
     ::close(socket);
     return false;
   }

@@ -67,6 +67,7 @@ class ScriptedApp {
   std::atomic<bool> oneAtATime_ = false;
   std::atomic<int> listener_ = -1;
   int port_ = 0;
+  int reservation_ = -1;
   int wakeRead_ = -1;
   int wakeWrite_ = -1;
   std::thread acceptor_;
