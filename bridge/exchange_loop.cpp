@@ -23,7 +23,7 @@ void ExchangeLoop::leave() {
   try {
     background_ = std::thread([this] { context_.run(); });
   } catch (const std::system_error&) {
-    // No thread to be had: what is left goes on when the next caller runs the loop.
+    return;  // No thread to be had: what is left goes on when the next caller runs the loop.
   }
 }
 

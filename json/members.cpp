@@ -42,7 +42,7 @@ std::uint64_t MemberStack::headOf(const Node* name) const {
     return firstEightBytes(text_.data() + name->begin(), name->extent(),
                            text_.data() + text_.size());
   }
-  const std::string decoded = *Value(text_, name).string();
+  const std::string decoded = Value(text_, name).string().value_or("");
   return firstEightBytes(decoded.data(), decoded.size(), decoded.data() + decoded.size());
 }
 
@@ -51,7 +51,7 @@ int MemberStack::compareNames(const Node* a, const Node* b) const {
   const Value nameOfA(text_, a);
   const Value nameOfB(text_, b);
   if (a->isClean() && b->isClean()) return nameOfA.token().compare(nameOfB.token());
-  return nameOfA.string()->compare(*nameOfB.string());
+  return nameOfA.string().value_or("").compare(nameOfB.string().value_or(""));
 }
 
 std::size_t MemberStack::enter(const Node* object, Order order) {

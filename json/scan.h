@@ -78,7 +78,7 @@ std::ptrdiff_t cleanBytes(Block bytes) {
 template <StopAt stop>
 std::uint64_t stopsIn64(const char* from) {
   std::uint64_t stops = 0;
-  for (unsigned i = 0; i < 4; ++i) {
+  for (std::size_t i = 0; i < 4; ++i) {
     stops |= std::uint64_t{stopMask<stop>(loadBlock(from + 16 * i))} << 16 * i;
   }
   return stops;
@@ -128,7 +128,7 @@ std::uint64_t stopsIn64(const char* from) {
   constexpr std::array<std::uint8_t, 16> bits{1, 2, 4, 8, 16, 32, 64, 128,
                                               1, 2, 4, 8, 16, 32, 64, 128};
   const Block place = vld1q_u8(bits.data());
-  const auto block = [&](unsigned i) {
+  const auto block = [&](std::size_t i) {
     return vandq_u8(stopBytes<stop>(loadBlock(from + 16 * i)), place);
   };
   // Adding neighbours three times gathers each eight bytes' bits in one.

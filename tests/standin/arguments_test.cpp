@@ -45,7 +45,7 @@ TEST_F(Arguments, MinimumBytesMayBeZeroButNotBelow) {
 
 TEST_F(Arguments, UnknownDriveIsNamedTogetherWithThoseThereAre) {
   const std::string sentence =
-      "The argument \"drive\" names no connected drive: \"Gamma\"; there are: \"Alpha\", \"Beta\".";
+      R"(The argument "drive" names no connected drive: "Gamma"; there are: "Alpha", "Beta".)";
   EXPECT_EQ(refusal("list_directory", {{"drive", "Gamma"}}), sentence);
   EXPECT_EQ(refusal("recent_changes", {{"drive", "Gamma"}}), sentence);
 }
