@@ -5,9 +5,11 @@
 
 #include "server/memory_policy.h"
 #include "server/server.h"
+#include "server/standard_streams.h"
 #include "server/stdio_loop.h"
 
 int main() {
+  server::occupyStandardStreams();
   std::set_terminate(std::abort);  // without a word: nobody reads standard error
   server::keepRoomForBigMessages();
 

@@ -1,10 +1,12 @@
 #include "bridge/exchange.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -49,6 +51,30 @@ TEST_F(Exchange, BringsTheReply) {
 TEST_F(Exchange, EachHasAConnectionOfItsOwn) {
   for (int i = 0; i < 20; ++i) ASSERT_TRUE(exchange(30s).reply) << i;
   EXPECT_EQ(app.connectionCount(), 20U);
+}
+
+TEST_F(Exchange, DeliversAtTheDeadlineWhatHasComeOfAReply) {
+  app.script({[](AppConnection& connection) {
+    connection.readRequest();
+    for (int i = 0; i < 200; ++i) {
+      connection.write("{");
+      connection.pause(20ms);
+    }
+  }});
+  const Outcome outcome = exchange(1s);
+  EXPECT_TRUE(outcome.ended);
+  EXPECT_TRUE(outcome.reply);
+  EXPECT_TRUE(app.waitUntilClosedByServer(0));
+}
+
+TEST_F(Exchange, EndsWithNoneWhenNoDescriptorIsLeft) {
+  const auto withoutDescriptors = [this] {
+    const rlimit none{.rlim_cur = 3, .rlim_max = 3};
+    ::setrlimit(RLIMIT_NOFILE, &none);
+    const Outcome outcome = exchange(30s);
+    std::_Exit(outcome.ended && !outcome.reply ? 0 : 1);
+  };
+  EXPECT_EXIT(withoutDescriptors(), testing::ExitedWithCode(0), "^$");
 }
 
 TEST_F(Exchange, EndsWithNoneWhenTheApplicationHangsUp) {

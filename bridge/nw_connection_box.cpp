@@ -17,9 +17,14 @@ using namespace std::chrono_literals;
 /// Between two attempts to connect to an application that does not listen (yet).
 constexpr auto retryPause = 20ms;
 
+/// Most replies are small; one that fills this much is a big one.
+constexpr std::size_t smallReply = 16384;
+
 /// The application writes its reply at once, but the system may hand it over in pieces: this
-/// long a silence after a piece means that there is no more of it.
-constexpr auto silenceAfterReply = 50ms;
+/// long a silence after a piece means that there is no more of it. The writer of a big reply is
+/// stopped again and again in the middle, and on a busy machine has to wait for its turn.
+constexpr auto silenceAfterSmallReply = 50ms;
+constexpr auto silenceAfterBigReply = 250ms;
 
 }  // namespace
 
@@ -81,9 +86,7 @@ void NWConnectionBox::sent(Error error, std::size_t count) {
 }
 
 void NWConnectionBox::receive() {
-  // Most replies are small; the first piece that fills its room tells a big one.
-  constexpr std::size_t firstRoom = 16384;
-  const std::size_t room = reply_.isEmpty() ? firstRoom : reply_.left();
+  const std::size_t room = reply_.isEmpty() ? smallReply : reply_.left();
   connection_.async_receive(asio::buffer(reply_.room(room), room),
                             [self = shared_from_this()](Error error, std::size_t count) {
                               self->received(error, count);
@@ -99,7 +102,7 @@ void NWConnectionBox::received(Error error, std::size_t count) {
 }
 
 void NWConnectionBox::waitForMore() {
-  timer_.expires_after(silenceAfterReply);
+  timer_.expires_after(reply_.size() < smallReply ? silenceAfterSmallReply : silenceAfterBigReply);
   timer_.async_wait([self = shared_from_this()](Error error) {
     if (!error) self->fellSilent();
   });
@@ -110,6 +113,10 @@ void NWConnectionBox::fellSilent() {
   Error ignored;
   if (connection_.available(ignored) > 0) return waitForMore();
   deliver();
+}
+
+void NWConnectionBox::deliverWhatCame() {
+  if (!reply_.isEmpty()) deliver();
 }
 
 void NWConnectionBox::deliver() {

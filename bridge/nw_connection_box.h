@@ -36,6 +36,10 @@ class NWConnectionBox : public std::enable_shared_from_this<NWConnectionBox> {
   /// let go, nor while the application says nothing. It must not block.
   void send(json::Text request, Completion completion);
 
+  /// For a caller whose time is up: delivers the bytes that have come, if any, without waiting
+  /// for the rest of a reply. If none have, the exchange goes on.
+  void deliverWhatCame();
+
  private:
   using Error = std::error_code;
 

@@ -15,7 +15,7 @@ class Reply {
   static constexpr std::size_t mostBytes = 4194304;
 
   /// How much more it may take.
-  [[nodiscard]] std::size_t left() const { return mostBytes - bytes_.size(); }
+  [[nodiscard]] std::size_t left() const { return mostBytes - size(); }
 
   /// Room for further bytes: `left()` of them once the reply has turned out to be a big one.
   /// What is written there is taken with received().
@@ -25,7 +25,8 @@ class Reply {
     reader_.read(bytes_.view());
   }
 
-  [[nodiscard]] bool isEmpty() const { return bytes_.size() == 0; }
+  [[nodiscard]] std::size_t size() const { return bytes_.size(); }
+  [[nodiscard]] bool isEmpty() const { return size() == 0; }
 
   /// Whether the bytes so far are one whole JSON message.
   [[nodiscard]] bool isWhole() const { return reader_.state() == json::Reader::State::complete; }

@@ -85,6 +85,17 @@ TEST_F(Deadline, EndOfInputEndsTheProcessThoughAnExchangeIsAlive) {
   sayGoodbye();
 }
 
+TEST_F(Deadline, ReplyThatIsStillComingInAtTheDeadlineIsUnreadable) {
+  app.script({answer(), [](AppConnection& connection) {
+                connection.readRequest();
+                for (int i = 0; i < 1100; ++i) {
+                  connection.write("{");
+                  connection.pause(std::chrono::milliseconds(30));
+                }
+              }});
+  EXPECT_EQ(callTool("x"), failure("Quillmark sent an unreadable reply."));
+}
+
 TEST_F(Deadline, WaitingCostsNoProcessorTime) {
   app.script({answer(), silence()});
   callWithoutResponse();

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tests/support/conversation.h"
+#include "tests/support/file_identity.h"
 
 namespace {
 
@@ -30,8 +31,8 @@ class Launch : public LaunchConversation {
     return launches.record(0);
   }
 
-  std::string serversLink(const std::string& name) {
-    return fs::read_symlink("/proc/" + std::to_string(server->pid()) + "/" + name).string();
+  std::string serversFile(const std::string& name) {
+    return fileIdentity("/proc/" + std::to_string(server->pid()) + "/" + name);
   }
 
   std::vector<std::string> serversEnvironment() {
@@ -76,7 +77,7 @@ TEST_F(Launch, WorkingDirectoryIsInherited) {
 TEST_F(Launch, StandardStreamsAreInheritedAndNothingElse) {
   EXPECT_EQ(
       launched().at("descriptors"),
-      json({{"0", serversLink("fd/0")}, {"1", serversLink("fd/1")}, {"2", serversLink("fd/2")}}));
+      json({{"0", serversFile("fd/0")}, {"1", serversFile("fd/1")}, {"2", serversFile("fd/2")}}));
 }
 
 TEST_F(Launch, ConnectionsAreNotInherited) {
@@ -143,7 +144,7 @@ TEST_F(LaunchFromOddHost, SignalsStillHaveTheirDefaults) {
 }
 
 TEST_F(LaunchFromOddHost, DescriptorThatTheHostLeftOpenIsNotInherited) {
-  ASSERT_EQ(serversLink("fd/3"), serversLink("fd/2")) << "the host did leave one open";
+  ASSERT_EQ(serversFile("fd/3"), serversFile("fd/2")) << "the host did leave one open";
   EXPECT_EQ(launched().at("descriptors").size(), 3U);
 }
 

@@ -77,6 +77,19 @@ TEST_F(Reachable, WhenTheApplicationComesUpWithinTheProbesLimit) {
   EXPECT_EQ(app.connectionCount(), 2U);
 }
 
+TEST_F(Reachable, WhenTheAnswerToTheProbeIsStillComingInAfterThreeSeconds) {
+  app.script({[](AppConnection& connection) {
+                connection.readRequest();
+                for (int i = 0; i < 200; ++i) {
+                  connection.write("{");
+                  connection.pause(std::chrono::milliseconds(30));
+                }
+              },
+              succeed("[]")});
+  EXPECT_EQ(callTool("x"), textResult("[]"));
+  EXPECT_EQ(launches.count(), 0U);
+}
+
 TEST_F(Reachable, AnswerOfTheProbeIsThrownAway) {
   app.script({succeed(R"(["probe"])"), refuse("call")});
   EXPECT_EQ(callTool("drive_status"), failure("call"));

@@ -12,6 +12,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "tests/support/file_identity.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -24,7 +26,8 @@ json openDescriptors() {
   for (const fs::directory_entry& entry : fs::directory_iterator(own)) {
     std::error_code closedAgain;
     const std::string target = fs::read_symlink(entry.path(), closedAgain).string();
-    if (!closedAgain && target != own) found[entry.path().filename().string()] = target;
+    if (closedAgain || target == own) continue;
+    found[entry.path().filename().string()] = fileIdentity(entry.path());
   }
   return found;
 }
