@@ -21,13 +21,13 @@ const std::string& message(bool listing) {
 }
 
 void countBytes(benchmark::State& state, std::size_t bytes) {
-  state.SetBytesProcessed(static_cast<std::int64_t>(bytes * state.iterations()));
+  state.SetBytesProcessed(static_cast<std::int64_t>(bytes) * state.iterations());
   state.SetLabel(state.range(0) != 0 ? "listing" : "text");
 }
 
 void read(benchmark::State& state) {
   const std::string& text = message(state.range(0) != 0);
-  for (auto _ : state) benchmark::DoNotOptimize(json::read(text));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(json::read(text));
   countBytes(state, text.size());
 }
 
@@ -35,7 +35,8 @@ template <void (*append)(json::Text&, json::Value)>
 void layOut(benchmark::State& state) {
   const std::string& text = message(state.range(0) != 0);
   const std::optional<json::Document> document = json::read(text);
-  for (auto _ : state) {
+  if (!document) return state.SkipWithError("the message is not one");
+  while (state.KeepRunning()) {
     json::Text out;
     append(out, document->root());
     benchmark::DoNotOptimize(out.view().data());
@@ -45,7 +46,7 @@ void layOut(benchmark::State& state) {
 
 void quote(benchmark::State& state) {
   const std::string& text = message(state.range(0) != 0);
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     json::Text out;
     json::appendQuoted(out, text);
     benchmark::DoNotOptimize(out.view().data());

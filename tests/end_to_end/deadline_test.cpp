@@ -88,12 +88,13 @@ TEST_F(Deadline, EndOfInputEndsTheProcessThoughAnExchangeIsAlive) {
 TEST_F(Deadline, ReplyThatIsStillComingInAtTheDeadlineIsUnreadable) {
   app.script({answer(), [](AppConnection& connection) {
                 connection.readRequest();
-                for (int i = 0; i < 1100; ++i) {
+                for (int i = 0; i < 3500; ++i) {
                   connection.write("{");
-                  connection.pause(std::chrono::milliseconds(30));
+                  connection.pause(std::chrono::milliseconds(10));
                 }
               }});
-  EXPECT_EQ(callTool("x"), failure("Quillmark sent an unreadable reply."));
+  EXPECT_EQ(callTool("x", json::object(), beyondTheLimit),
+            failure("Quillmark sent an unreadable reply."));
 }
 
 TEST_F(Deadline, WaitingCostsNoProcessorTime) {

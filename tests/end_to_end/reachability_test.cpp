@@ -80,9 +80,9 @@ TEST_F(Reachable, WhenTheApplicationComesUpWithinTheProbesLimit) {
 TEST_F(Reachable, WhenTheAnswerToTheProbeIsStillComingInAfterThreeSeconds) {
   app.script({[](AppConnection& connection) {
                 connection.readRequest();
-                for (int i = 0; i < 200; ++i) {
+                for (int i = 0; i < 500; ++i) {
                   connection.write("{");
-                  connection.pause(std::chrono::milliseconds(30));
+                  connection.pause(std::chrono::milliseconds(10));
                 }
               },
               succeed("[]")});
