@@ -67,15 +67,24 @@ TEST_F(Exchange, DeliversAtTheDeadlineWhatHasComeOfAReply) {
   EXPECT_TRUE(app.waitUntilClosedByServer(0));
 }
 
+// Checking an object's type, the sanitizer opens a pipe, and takes it for a fault if it can't.
+#if defined(__has_feature)
+#if __has_feature(undefined_behavior_sanitizer)
+#define SANITIZER_NEEDS_DESCRIPTORS
+#endif
+#endif
+
+#ifndef SANITIZER_NEEDS_DESCRIPTORS
 TEST_F(Exchange, EndsWithNoneWhenNoDescriptorIsLeft) {
-  const auto withoutDescriptors = [this] {
+  const auto withoutDescriptors = [port = app.port()] {
     const rlimit none{.rlim_cur = 3, .rlim_max = 3};
     ::setrlimit(RLIMIT_NOFILE, &none);
-    const Outcome outcome = exchange(30s);
+    const Outcome outcome = bridge::exchange(port, text("{}"), 30s);
     std::_Exit(outcome.ended && !outcome.reply ? 0 : 1);
   };
   EXPECT_EXIT(withoutDescriptors(), testing::ExitedWithCode(0), "^$");
 }
+#endif
 
 TEST_F(Exchange, EndsWithNoneWhenTheApplicationHangsUp) {
   app.script({hangUp(), readAndHangUp(), [](AppConnection& connection) {
