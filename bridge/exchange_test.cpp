@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
@@ -197,6 +198,7 @@ TEST(ExchangeOnPortZero, IsRefusedUntilTheLimit) {
 }
 
 void exchangeWithAllOutputSeen(std::int64_t port) {
+  std::fflush(stdout);  // what the test program itself has said so far
   dup2(STDERR_FILENO, STDOUT_FILENO);
   bridge::exchange(port, text("{}"), 1s);
 }
