@@ -73,9 +73,6 @@ class Buffer {
     if (size_ > 0) std::memmove(items_.get(), items_.get() + count, size_ * sizeof(T));
   }
 
-  /// Forgets the values behind the first `count`; keeps the room.
-  void truncate(std::size_t count) { size_ = count; }
-
  private:
   struct Free {
     void operator()(T* items) const { std::free(items); }

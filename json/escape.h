@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <string_view>
 
 namespace json {
 
@@ -14,19 +16,17 @@ struct Escape {
 /// string that ends at `end`.
 Escape readEscape(const char* from, const char* end);
 
+/// Of each byte, whether a backslash before it makes the two a whole escape.
+inline constexpr auto shortEscapes = [] {
+  std::array<bool, 256> table{};
+  for (const char c : std::string_view("\"\\/bfnrt"))
+    table.at(static_cast<unsigned char>(c)) = true;
+  return table;
+}();
+
 /// Whether a backslash and this letter are a whole escape.
 constexpr bool isShortEscape(char letter) {
-  switch (letter) {
-    case '"':
-    case '\\':
-    case '/':
-    case 'b':
-    case 'f':
-    case 'n':
-    case 'r':
-    case 't': return true;
-    default: return false;
-  }
+  return shortEscapes[static_cast<unsigned char>(letter)];
 }
 
 /// The value of a hexadecimal digit, or -1.

@@ -1,7 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tests/unit/judge.h"
 #include "tests/unit/laid_out.h"
@@ -69,10 +73,72 @@ TEST(QuotingJudged, IsTheJudgesToTheByte) {
   });
 }
 
+/// Makes arrays of objects that mostly, but not always, have the names of the one before them.
+class Listings {
+ public:
+  std::string next() {
+    names_ = {"id", "path", "a name of many bytes", "x", "\\u0079", "size"};
+    std::string text = "[";
+    for (std::size_t count = below(9); count > 0; --count) {
+      if (oneIn(3)) varyNames();
+      if (oneIn(8)) text += R"([{"id":1,"path":2}],)";
+      if (oneIn(8)) text += R"("id","path",)";
+      appendObject(text);
+      text += blank() + ',';
+    }
+    return text + "0]";
+  }
+
+ private:
+  void varyNames() {
+    const auto place = [this] { return names_.begin() + static_cast<std::ptrdiff_t>(below(5)); };
+    switch (below(4)) {
+      case 0: std::iter_swap(place(), place()); break;
+      case 1: *place() = "x"; break;
+      case 2: *place() = "sizes"; break;
+      default: names_.resize(5 + below(3), "y"); break;
+    }
+  }
+
+  void appendObject(std::string& text) {
+    text += '{';
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+      if (i > 0) text += ',';
+      text += blank() + '"' + names_[i] + '"' + blank() + ':' + blank() + value();
+    }
+    text += '}';
+  }
+
+  std::string value() {
+    constexpr std::array<std::string_view, 6> values{
+        "1", R"("id")", "[]", "{}", R"({"id":1,"path":2})", R"([{"b":1,"a":2},{"b":3,"a":4}])"};
+    return std::string(values.at(below(values.size())));
+  }
+
+  std::string blank() { return oneIn(20) ? " " : ""; }
+  std::size_t below(std::size_t count) { return random_() % count; }
+  bool oneIn(std::size_t count) { return below(count) == 0; }
+
+  std::mt19937_64 random_{5};
+  std::vector<std::string> names_;
+};
+
+// What is like the object before it is read and laid out on a shorter way.
+TEST(LayoutsJudged, ObjectsMayBeLikeTheOneBeforeOrNot) {
+  Listings listings;
+  for (int i = 0; i < 4000 && !testing::Test::HasFailure(); ++i) {
+    const std::string document = listings.next();
+    SCOPED_TRACE(document);
+    EXPECT_EQ(judge::tree(compact(document).value()), judge::tree(document));
+    EXPECT_EQ(prettyQuoted(document), judge::literal(judge::pretty(judge::tree(document))));
+  }
+}
+
 // Long strings are laid out in pieces; whatever stands where one ends must come out whole.
 TEST(LayoutsJudged, LongStringsAreWhateverStandsInThem) {
   for (const std::string_view unit :
-       {R"(\ud83d\ude00)", R"(\ud800)", R"(\u0001)", R"(\")", R"(\\)", "/", "\xF0\x9F\x98\x80"}) {
+       {R"(\ud83d\ude00)", R"(\ud800)", R"(\u0001)", R"(\")", R"(\\)", R"(\\u0041)", R"(\\/)",
+        R"(\/\n\u0041\\)", "/", "\xF0\x9F\x98\x80"}) {
     for (std::size_t shift = 0; shift < 14; ++shift) {
       std::string document = "[\"" + std::string(shift, 'x');
       while (document.size() < 40000) document += unit;

@@ -56,16 +56,49 @@ int MemberStack::compareNames(const Node* a, const Node* b) const {
 
 std::size_t MemberStack::enter(const Node* object, Order order) {
   const std::size_t first = members_.size();
+  if (arrangements_.size() == depth_) arrangements_.emplace_back();
+  Arrangement& last = arrangements_[depth_++];
+  if (object->isLikeTheOneBefore() && last.object != nullptr && last.object->next() == object) {
+    arrangeAs(last, object);
+  } else {
+    collect(object);
+    const std::size_t given = size() - first;
+    arrange(first, order);
+    last.count = size() - first;
+    last.ranks.assign(given, dropped);
+    for (std::size_t i = first; i < size(); ++i) last.ranks[members_[i].place] = i - first;
+  }
+  last.object = object;
+  return first;
+}
+
+/// What `before` says of the object before holds for this one, too.
+void MemberStack::arrangeAs(const Arrangement& before, const Node* object) {
+  const std::size_t first = members_.size();
+  members_.resize(first + before.count);
+  const Node* name = object + 1;
+  for (const std::size_t rank : before.ranks) {
+    if (rank != dropped) members_[first + rank].name = name;
+    name = (name + 1)->next();
+  }
+}
+
+void MemberStack::collect(const Node* object) {
+  const std::size_t first = members_.size();
   const Node* const end = object->next();
   for (const Node* name = object + 1; name != end; name = (name + 1)->next()) {
-    members_.push_back({headOf(name), name});
+    members_.push_back({.name = name, .place = members_.size() - first, .head = headOf(name)});
   }
+}
+
+/// Puts the members from that index on in order, and of each name keeps only the last.
+void MemberStack::arrange(std::size_t first, Order order) {
   const auto begin = members_.begin() + static_cast<std::ptrdiff_t>(first);
   // Nearly always the heads tell. Where a name is given twice, the last one comes first.
   sortByInsertionIfFew(begin, members_.end(), [this](const Member& a, const Member& b) {
     if (a.head != b.head) return a.head < b.head;
     const int names = compareNames(a.name, b.name);
-    return names != 0 ? names < 0 : a.name > b.name;
+    return names != 0 ? names < 0 : a.place > b.place;
   });
   const auto sameName = [this](const Member& a, const Member& b) {
     return a.head == b.head && compareNames(a.name, b.name) == 0;
@@ -73,9 +106,8 @@ std::size_t MemberStack::enter(const Node* object, Order order) {
   members_.erase(std::unique(begin, members_.end(), sameName), members_.end());
   if (order == Order::asGiven) {
     std::sort(begin, members_.end(),
-              [](const Member& a, const Member& b) { return a.name < b.name; });
+              [](const Member& a, const Member& b) { return a.place < b.place; });
   }
-  return first;
 }
 
 }  // namespace json

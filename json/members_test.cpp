@@ -88,5 +88,26 @@ TEST(MemberStack, PutsTheInnerObjectOnTopOfTheOuter) {
   EXPECT_EQ(root.at(members[first + 1].name).string(), "z");
 }
 
+TEST(MemberStack, ArrangesAnObjectThatIsLikeTheOneBeforeWhateverWasEnteredLast) {
+  constexpr std::string_view text =
+      R"([{"c":1},{"b":2,"a":3,"b":4},{"b":5,"a":6,"b":7},"and more behind"])";
+  const auto document = read(text);
+  ASSERT_TRUE(document);
+  const Node* const first = document->root().node() + 1;
+  const Node* const second = first->next();
+  const Node* const third = second->next();
+  EXPECT_FALSE(second->isLikeTheOneBefore());
+  ASSERT_TRUE(third->isLikeTheOneBefore());
+
+  for (const Node* before : {first, second, third}) {
+    MemberStack members(text);
+    members.leave(members.enter(before, Order::byName));
+    members.enter(third, Order::byName);
+    ASSERT_EQ(members.size(), 2U);
+    EXPECT_EQ(document->root().at(members[0].name + 1).token(), "6");
+    EXPECT_EQ(document->root().at(members[1].name + 1).token(), "7");
+  }
+}
+
 }  // namespace
 }  // namespace json

@@ -25,22 +25,37 @@ class Node {
   /// inside it, at all levels.
   [[nodiscard]] std::size_t extent() const { return packed_ >> extentShift; }
   void setExtent(std::size_t extent) {
-    packed_ = (packed_ & (kindBits | cleanBit)) | extent << extentShift;
+    packed_ = (packed_ & (kindBits | markBit)) | extent << extentShift;
   }
 
   /// Whether a string is clean: it holds no escape, so that its bytes between the quotes are
   /// its characters.
-  [[nodiscard]] bool isClean() const { return (packed_ & cleanBit) != 0; }
-  void setClean() { packed_ |= cleanBit; }
+  [[nodiscard]] bool isClean() const { return (packed_ & markBit) != 0; }
+  void setClean() { packed_ |= markBit; }
+
+  /// Whether an object is known to be like the one directly before it in its array: with the
+  /// same names, in the same order.
+  [[nodiscard]] bool isLikeTheOneBefore() const { return (packed_ & markBit) != 0; }
+  void setLikeTheOneBefore() { packed_ |= markBit; }
 
   [[nodiscard]] bool isContainer() const { return kind() <= Kind::array; }
 
+  /// How many nodes it is, with all that is inside it.
+  [[nodiscard]] std::size_t span() const { return 1 + (isContainer() ? extent() : 0); }
+
   /// The node that follows this one and all that is inside it.
-  [[nodiscard]] const Node* next() const { return this + 1 + (isContainer() ? extent() : 0); }
+  [[nodiscard]] const Node* next() const { return this + span(); }
+
+  /// The same, but for another place in the text.
+  [[nodiscard]] Node at(std::size_t begin) const {
+    Node node = *this;
+    node.begin_ = begin;
+    return node;
+  }
 
  private:
   static constexpr std::size_t kindBits = 7;
-  static constexpr std::size_t cleanBit = 8;
+  static constexpr std::size_t markBit = 8;
   static constexpr unsigned extentShift = 4;
 
   std::size_t begin_;

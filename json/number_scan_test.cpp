@@ -9,8 +9,9 @@ namespace {
 
 bool isWholeNumber(std::string_view text) {
   NumberScan scan;
-  const char* const end = text.data() + text.size();
-  return scan.read(text.data(), end) == end && scan.isNumber();
+  const char* const begin = text.data();
+  const char* const end = begin + text.size();
+  return scan.read(begin, end) == end && scan.isNumber();
 }
 
 constexpr std::string_view numbers[] = {
@@ -49,10 +50,11 @@ TEST(NumberScan, StopsBehindALeadingZero) {
 TEST(NumberScan, ReadsOnWhereAnEarlierPieceEnded) {
   for (const std::string_view number : numbers) {
     for (std::size_t split = 0; split <= number.size(); ++split) {
-      const char* const middle = number.data() + split;
-      const char* const end = number.data() + number.size();
+      const char* const begin = number.data();
+      const char* const middle = begin + split;
+      const char* const end = begin + number.size();
       NumberScan scan;
-      EXPECT_EQ(scan.read(number.data(), middle), middle) << number << " at " << split;
+      EXPECT_EQ(scan.read(begin, middle), middle) << number << " at " << split;
       EXPECT_EQ(scan.read(middle, end), end) << number << " at " << split;
       EXPECT_TRUE(scan.isNumber()) << number << " at " << split;
     }

@@ -64,6 +64,8 @@ class Reader {
   Step step(const char*& at);
   Step readByteOrderMark(const char*& at);
   Step readValue(const char*& at);
+  Step readMembers(const char*& at);
+  bool readExpectedName(const char*& at);
   Step beginName(const char*& at);
   Step readName(const char*& at);
   Step readColon(const char*& at);
@@ -82,6 +84,7 @@ class Reader {
   Step openContainer(const char*& at, Kind kind);
   Step closeContainer(const char*& at);
 
+  void expectNamesOfTheOneBefore();
   void addNode(Kind kind, const char* at);
   void endToken(const char* at);
   [[nodiscard]] std::size_t offsetOf(const char* at) const {
@@ -92,8 +95,16 @@ class Reader {
   const char* end_ = nullptr;
   std::size_t offset_ = 0;  // of the first byte not read yet, from one call to the next
 
+  /// An array or object that has begun. Nodes are given by their indices.
+  struct Open {
+    std::size_t container;
+    std::size_t expectedName;  // the next name, in the object directly before this one
+  };
+  static constexpr std::size_t none = ~std::size_t{0};
+
   Buffer<Node> nodes_;
-  std::array<std::size_t, deepestNesting> open_;  // the containers around it, by their nodes
+  std::array<Open, deepestNesting> open_;  // all that is around
+  std::size_t closedObject_ = none;        // what ended last, if it was an object
   std::size_t depth_ = 0;
   NumberScan number_;
   bool clean_ = true;      // the string being read, so far

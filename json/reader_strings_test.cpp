@@ -5,16 +5,12 @@
 
 #include "json/reader.h"
 #include "tests/unit/laid_out.h"
+#include "tests/unit/reader_state.h"
 
 namespace json {
 namespace {
 
 using State = Reader::State;
-
-State state(std::string_view text) {
-  Reader reader;
-  return reader.read(text);
-}
 
 std::string inString(std::string_view bytes) {
   return "[\"" + std::string(bytes) + "\"]";
@@ -54,7 +50,7 @@ TEST(ReaderOfStrings, UnicodeEscapesHaveFourHexadecimalDigits) {
 
 TEST(ReaderOfStrings, UnpairedSurrogateEscapesAreLetThrough) {
   for (const char* escapes : {"\\ud800", "\\udfff", "\\udc00\\ud800", "\\ud800\\ud800",
-                              "\\ud800\\u0041", "\\ud800\\n", "\\ud800x", "\\ud800\\\\u0041"}) {
+                              R"(\ud800\u0041)", R"(\ud800\n)", R"(\ud800x)", R"(\ud800\\u0041)"}) {
     EXPECT_EQ(state(inString(escapes)), State::complete) << escapes;
   }
 }

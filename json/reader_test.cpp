@@ -6,16 +6,12 @@
 #include <string_view>
 
 #include "tests/unit/laid_out.h"
+#include "tests/unit/reader_state.h"
 
 namespace json {
 namespace {
 
 using State = Reader::State;
-
-State state(std::string_view text) {
-  Reader reader;
-  return reader.read(text);
-}
 
 std::string nested(std::size_t depth, std::string_view open, std::string_view close) {
   std::string text;
@@ -127,9 +123,9 @@ TEST(Reader, NestingOf512IsReadAnd513IsNot) {
   EXPECT_EQ(deepestNesting, 512U);
   EXPECT_EQ(state(nested(512, "[", "]")), State::complete);
   EXPECT_EQ(state(nested(513, "[", "]")), State::malformed);
-  EXPECT_EQ(state(nested(511, R"({"a":)", "}").insert(511 * 5, "{}")), State::complete);
-  EXPECT_EQ(state(nested(512, R"({"a":)", "}").insert(512 * 5, "{}")), State::malformed);
-  EXPECT_EQ(state(nested(256, R"([{"a":)", "}]").insert(256 * 6, "1")), State::complete);
+  EXPECT_EQ(state(nested(511, R"({"a":)", "}").insert(511UZ * 5, "{}")), State::complete);
+  EXPECT_EQ(state(nested(512, R"({"a":)", "}").insert(512UZ * 5, "{}")), State::malformed);
+  EXPECT_EQ(state(nested(256, R"([{"a":)", "}]").insert(256UZ * 6, "1")), State::complete);
 }
 
 TEST(Reader, NestingIsCountedFromEachLevelAnew) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -37,7 +38,7 @@ class Scan : public testing::Test {
     const std::vector<char> visible(bytes.begin(),
                                     bytes.begin() + static_cast<std::ptrdiff_t>(end));
     const std::ptrdiff_t expected = plainly(visible, from);
-    std::vector<char> copy(end - from + static_cast<std::size_t>(scanBlock), '?');
+    std::vector<char> copy(end - from + static_cast<std::size_t>(blockSize), '?');
     const char* const begin = bytes.data() + from;
     const Copied copied =
         copyScan<stop>(begin, bytes.data() + end, bytes.data() + bytes.size(), copy.data());
@@ -124,12 +125,65 @@ TYPED_TEST(Scan, CopiesNothingBehindTheEnd) {
   }
 }
 
+TYPED_TEST(Scan, MarksInAMaskOf64WhatThePlainWayStopsAt) {
+  std::vector<char> bytes(256);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 37);
+  for (std::size_t from = 0; from + 64 <= bytes.size(); ++from) {
+    const std::uint64_t stops = stopsIn64<TestFixture::stop>(bytes.data() + from);
+    for (std::size_t i = 0; i < 64; ++i) {
+      ASSERT_EQ((stops >> i & 1U) != 0, stopsAt<TestFixture::stop>(bytes[from + i]))
+          << "byte " << from + i;
+    }
+  }
+}
+
+TYPED_TEST(Scan, CountsTheCleanBytesOfTwoBlocks) {
+  constexpr std::ptrdiff_t both = 2 * blockSize;
+  for (std::ptrdiff_t place = 0; place <= both; ++place) {
+    std::vector<char> bytes(static_cast<std::size_t>(both) + 1, 'a');
+    bytes[static_cast<std::size_t>(place)] = '\\';
+    ASSERT_EQ(cleanBytesIn2<TestFixture::stop>(bytes.data()), place);
+  }
+}
+
+/// What begins an escape, found from left to right.
+std::uint64_t escapesPlainly(std::uint64_t backslashes) {
+  std::uint64_t escapes = 0;
+  for (unsigned i = 0; i < 64; ++i) {
+    if ((backslashes >> i & 1U) == 0) continue;
+    escapes |= std::uint64_t{1} << i;
+    ++i;  // what it escapes begins none
+  }
+  return escapes;
+}
+
+TEST(EscapesAmong, AgreesWithThePlainWayForEveryRunAtEveryPlace) {
+  for (unsigned size = 1; size <= 64; ++size) {
+    for (unsigned place = 0; place + size <= 64; ++place) {
+      const std::uint64_t run = ~std::uint64_t{0} >> (64 - size) << place;
+      ASSERT_EQ(escapesAmong(run), escapesPlainly(run)) << size << " at " << place;
+    }
+  }
+}
+
+TEST(EscapesAmong, AgreesWithThePlainWayForManyRuns) {
+  std::mt19937_64 random(64);
+  for (int round = 0; round < 10'000; ++round) {
+    const std::uint64_t some = random();
+    const std::uint64_t others = random();
+    const std::uint64_t sparse = some & others;
+    const std::uint64_t dense = some | others;
+    ASSERT_EQ(escapesAmong(sparse), escapesPlainly(sparse)) << sparse;
+    ASSERT_EQ(escapesAmong(dense), escapesPlainly(dense)) << dense;
+  }
+}
+
 TEST(CopyShort, CopiesAllOfAnySize) {
   for (std::size_t size = 0; size <= 70; ++size) {
     for (std::size_t behind = 0; behind <= 20; ++behind) {
       std::vector<char> bytes(size + behind);
       for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>('A' + i % 50);
-      std::vector<char> copy(size + static_cast<std::size_t>(scanBlock), '?');
+      std::vector<char> copy(size + static_cast<std::size_t>(blockSize), '?');
       const char* const readable = bytes.data() + bytes.size();
       ASSERT_EQ(copyShort(bytes.data(), size, readable, copy.data()) - copy.data(),
                 static_cast<std::ptrdiff_t>(size));

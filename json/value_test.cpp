@@ -16,7 +16,7 @@ namespace {
 class Held {
  public:
   explicit Held(std::string_view value)
-      : text_("{\"before\":[1,{\"value\":0}],\"value\":" + std::string(value) + ",\"after\":{}}"),
+      : text_(R"({"before":[1,{"value":0}],"value":)" + std::string(value) + ",\"after\":{}}"),
         document_(read(text_)) {}
 
   Value value() const { return document_.value().root().member("value").value(); }

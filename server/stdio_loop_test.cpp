@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
@@ -12,20 +11,13 @@
 
 namespace {
 
-using namespace std::chrono_literals;
 using Handled = std::vector<std::string>;
 
 /// The objects that are handed on when this comes in, laid out compactly. If it comes in
 /// pieces, there is a pause between them.
 Handled handledInPieces(const std::vector<std::string>& pieces) {
   Pipe pipe;
-  std::thread writer([&] {
-    for (const std::string& piece : pieces) {
-      pipe.write(piece);
-      if (pieces.size() > 1) std::this_thread::sleep_for(20ms);
-    }
-    pipe.closeWriteEnd();
-  });
+  std::thread writer = writeInPieces(pipe, pieces);
   Handled all;
   server::StdioLoop(pipe.readEnd(), [&](json::Value request) {
     json::Text text;
@@ -84,7 +76,7 @@ TEST(StdioLoop, DropsALineThatNoRepairMends) {
 }
 
 TEST(StdioLoop, LongLinesAreHandled) {
-  const std::string line = "{\"a\":\"" + std::string(3'000'000, 'x') + "\"}";
+  const std::string line = R"({"a":")" + std::string(3'000'000, 'x') + "\"}";
   EXPECT_TRUE(handled(line + "\n{}\n") == (Handled{line, "{}"}));
 }
 

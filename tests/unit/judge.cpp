@@ -123,22 +123,32 @@ struct Style {
   std::size_t indent;
 };
 
-std::string laidOut(const json& tree, const Style& style, std::size_t level) {
+void append(std::string& text, const json& tree, const Style& style, std::size_t level = 0) {
   if (tree.is_string()) {
     const auto& tagged = tree.get_ref<const std::string&>();
-    return tagged.front() == 's' ? literal(tagged.substr(1)) : tagged.substr(1);
+    text += tagged.front() == 's' ? literal(tagged.substr(1)) : tagged.substr(1);
+    return;
   }
-  if (!tree.is_structured()) return tree.dump();
-  if (tree.empty()) return tree.is_object() ? "{}" : "[]";
-  std::string text(1, tree.is_object() ? '{' : '[');
+  if (!tree.is_structured() || tree.empty()) {
+    text += tree.dump();
+    return;
+  }
+  text += tree.is_object() ? '{' : '[';
+  const std::size_t first = text.size();
   for (const auto& [name, value] : tree.items()) {
-    if (text.size() > 1) text += ',';
+    if (text.size() > first) text += ',';
     text.append(style.lineFeed).append(style.indent * (level + 1), ' ');
     if (tree.is_object()) text.append(literal(name)).append(style.colon);
-    text += laidOut(value, style, level + 1);
+    append(text, value, style, level + 1);
   }
   text.append(style.lineFeed).append(style.indent * level, ' ');
-  return text += tree.is_object() ? '}' : ']';
+  text += tree.is_object() ? '}' : ']';
+}
+
+std::string laidOut(const json& tree, const Style& style) {
+  std::string text;
+  append(text, tree, style);
+  return text;
 }
 
 }  // namespace
@@ -153,6 +163,17 @@ Verdict verdict(std::string_view text) {
   return tree.tooBig() ? Verdict::none : Verdict::malformed;
 }
 
+bool isTellable(std::string_view text) {
+  for (std::size_t place = 0; place < text.size(); ++place) {
+    const std::string_view rest = text.substr(place);
+    if (rest.size() > 1 && rest[0] == '\xEE' && static_cast<unsigned char>(rest[1]) < 0xA0) {
+      return false;
+    }
+    if (isBetween(unitAt(text, place), 0xE000, 0xE7FF)) return false;
+  }
+  return true;
+}
+
 json tree(std::string_view text) {
   Tree tree;
   if (!read(text, tree)) throw std::invalid_argument("not well-formed: " + std::string(text));
@@ -160,11 +181,11 @@ json tree(std::string_view text) {
 }
 
 std::string compact(const json& tree) {
-  return laidOut(tree, {.colon = ":", .lineFeed = "", .indent = 0}, 0);
+  return laidOut(tree, {.colon = ":", .lineFeed = "", .indent = 0});
 }
 
 std::string pretty(const json& tree) {
-  return laidOut(tree, {.colon = " : ", .lineFeed = "\n", .indent = 2}, 0);
+  return laidOut(tree, {.colon = " : ", .lineFeed = "\n", .indent = 2});
 }
 
 std::string literal(const std::string& characters) {

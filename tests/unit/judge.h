@@ -22,6 +22,10 @@ enum class Verdict : std::uint8_t {
 /// Whether this is a message by our rules: an object or array on the top, at most 512 levels.
 Verdict verdict(std::string_view text);
 
+/// Whether no character of the text is one of those that stand for surrogates here. If one is,
+/// names may seem to be the same, and literal() spells it as an escape.
+bool isTellable(std::string_view text);
+
 /// The values of a well-formed message. A string is "s" and its characters, a number "n" and
 /// its spelling, so that two trees are equal just when the messages mean the same and have the
 /// same numbers to the letter.

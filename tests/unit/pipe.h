@@ -3,8 +3,12 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <stdexcept>
+#include <string>
 #include <string_view>
+#include <thread>
+#include <vector>
 
 /// A pipe with both its ends.
 class Pipe {
@@ -42,3 +46,15 @@ class Pipe {
 
   std::array<int, 2> ends_{-1, -1};
 };
+
+/// A thread that writes the pieces, with a pause between them, and then closes the write end.
+/// To be joined while the pipe is still there.
+inline std::thread writeInPieces(Pipe& pipe, const std::vector<std::string>& pieces) {
+  return std::thread([&pipe, pieces] {
+    for (const std::string& piece : pieces) {
+      pipe.write(piece);
+      if (pieces.size() > 1) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    pipe.closeWriteEnd();
+  });
+}

@@ -8,7 +8,7 @@
 /// A reply of the application that came in as these bytes, at once.
 inline bridge::Reply replyOf(std::string_view bytes) {
   bridge::Reply reply;
-  std::copy(bytes.begin(), bytes.end(), reply.room(bytes.size()));
+  std::ranges::copy(bytes, reply.room(bytes.size()));
   reply.received(bytes.size());
   return reply;
 }

@@ -15,6 +15,7 @@
 
 #include "bridge/nw_connection_box.h"
 #include "tests/support/scripts.h"
+#include "tests/unit/as_text.h"
 
 /// Boxes and an application that they connect to. The test's thread runs the boxes, so that
 /// nothing happens in them but in a call of run...() or exchange().
@@ -26,9 +27,7 @@ class RunningBox : public testing::Test {
   std::shared_ptr<bridge::NWConnectionBox> start(std::string_view request) {
     auto box =
         std::make_shared<bridge::NWConnectionBox>(context, static_cast<std::uint16_t>(app.port()));
-    json::Text text;
-    text.append(request);
-    box->send(std::move(text), [this, held = std::shared_ptr(completionHeld)](auto given) {
+    box->send(asText(request), [this, held = std::shared_ptr(completionHeld)](auto given) {
       ++completions;
       reply = std::move(given);
       if (onCompletion) onCompletion();
