@@ -31,31 +31,36 @@ class OpenFile {
     if (descriptor_ >= 0) close(descriptor_);
   }
 
-  [[nodiscard]] bool isRegularFile() const {
-    struct stat status{};
-    return descriptor_ >= 0 && fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
-  }
-
-  /// Everything in it, or none after an error.
+  /// Everything in it; none if it is no regular file, can't be read, or changes meanwhile.
   [[nodiscard]] std::optional<json::Text> contents() const {
-    constexpr std::size_t piece = 4096;
-    json::Text text;
-    while (true) {
-      const ssize_t count = read(descriptor_, text.room(piece), piece);
-      if (count == 0) return text;
-      if (count > 0) text.commit(static_cast<std::size_t>(count));
-      if (count < 0 && errno != EINTR) return std::nullopt;
-    }
+    auto text = readOnce();
+    const auto again = readOnce();
+    if (!text || !again || text->view() != again->view()) return std::nullopt;
+    return text;
   }
 
  private:
+  /// In a single read: between two of them, an application that writes its file anew could put
+  /// the end of one text behind the beginning of another. Even one read of a long file may mix
+  /// them, so two have to agree.
+  [[nodiscard]] std::optional<json::Text> readOnce() const {
+    struct stat status{};
+    if (descriptor_ < 0 || fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) {
+      return std::nullopt;
+    }
+    const std::size_t room = static_cast<std::size_t>(status.st_size) + 1;
+    json::Text text;
+    ssize_t count = 0;
+    do {
+      count = pread(descriptor_, text.room(room), room, 0);
+    } while (count < 0 && errno == EINTR);
+    if (count < 0) return std::nullopt;
+    text.commit(static_cast<std::size_t>(count));
+    return text;
+  }
+
   int descriptor_;
 };
-
-std::optional<json::Text> readFile(const std::string& path) {
-  const OpenFile file(path);
-  return file.isRegularFile() ? file.contents() : std::nullopt;
-}
 
 std::optional<Endpoint> decode(json::Value object) {
   const auto version = object.member("version");
@@ -72,9 +77,10 @@ std::optional<Endpoint> decode(json::Value object) {
 }  // namespace
 
 std::optional<Endpoint> Endpoint::load() {
-  const auto file = readFile(homeDirectory() + "/Library/Application Support/Quillmark/agent.json");
-  if (!file) return std::nullopt;
-  const auto document = json::read(file->view());
+  const OpenFile file(homeDirectory() + "/Library/Application Support/Quillmark/agent.json");
+  const auto text = file.contents();
+  if (!text) return std::nullopt;
+  const auto document = json::read(text->view());
   return document ? decode(document->root()) : std::nullopt;
 }
 
