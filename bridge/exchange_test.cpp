@@ -11,7 +11,9 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/sanitizers.h"
 #include "tests/support/scripts.h"
+#include "tests/unit/as_text.h"
 
 namespace {
 
@@ -19,19 +21,13 @@ using namespace std::chrono_literals;
 using bridge::Outcome;
 using Clock = std::chrono::steady_clock;
 
-json::Text text(std::string_view characters) {
-  json::Text text;
-  text.append(characters);
-  return text;
-}
-
 class Exchange : public testing::Test {
  protected:
   void SetUp() override { std::signal(SIGPIPE, SIG_IGN); }
 
   Outcome exchange(std::chrono::seconds limit, std::string_view request = "{}") {
     const auto begun = Clock::now();
-    Outcome outcome = bridge::exchange(app.port(), text(request), limit);
+    Outcome outcome = bridge::exchange(app.port(), asText(request), limit);
     took = Clock::now() - begun;
     return outcome;
   }
@@ -69,18 +65,12 @@ TEST_F(Exchange, DeliversAtTheDeadlineWhatHasComeOfAReply) {
 }
 
 // Checking an object's type, the sanitizer opens a pipe, and takes it for a fault if it can't.
-#if defined(__has_feature)
-#if __has_feature(undefined_behavior_sanitizer)
-#define SANITIZER_NEEDS_DESCRIPTORS
-#endif
-#endif
-
-#ifndef SANITIZER_NEEDS_DESCRIPTORS
+#if !UNDER_UNDEFINED_BEHAVIOR_SANITIZER
 TEST_F(Exchange, EndsWithNoneWhenNoDescriptorIsLeft) {
   const auto withoutDescriptors = [port = app.port()] {
     const rlimit none{.rlim_cur = 3, .rlim_max = 3};
     ::setrlimit(RLIMIT_NOFILE, &none);
-    const Outcome outcome = bridge::exchange(port, text("{}"), 30s);
+    const Outcome outcome = bridge::exchange(port, asText("{}"), 30s);
     std::_Exit(outcome.ended && !outcome.reply ? 0 : 1);
   };
   EXPECT_EXIT(withoutDescriptors(), testing::ExitedWithCode(0), "^$");
@@ -192,7 +182,7 @@ TEST_F(Exchange, ManyAbandonedOnesEndEachByItself) {
 }
 
 TEST(ExchangeOnPortZero, IsRefusedUntilTheLimit) {
-  const Outcome outcome = bridge::exchange(0, text("{}"), 1s);
+  const Outcome outcome = bridge::exchange(0, asText("{}"), 1s);
   EXPECT_FALSE(outcome.ended);
   EXPECT_FALSE(outcome.reply);
 }
@@ -200,7 +190,7 @@ TEST(ExchangeOnPortZero, IsRefusedUntilTheLimit) {
 void exchangeWithAllOutputSeen(std::int64_t port) {
   std::fflush(stdout);  // what the test program itself has said so far
   dup2(STDERR_FILENO, STDOUT_FILENO);
-  bridge::exchange(port, text("{}"), 1s);
+  bridge::exchange(port, asText("{}"), 1s);
 }
 
 TEST(ExchangeDeathTest, PortOutsideTheRangeEndsTheProcessWithoutAWord) {

@@ -82,7 +82,23 @@ void NWConnectionBox::sent(Error error, std::size_t count) {
   if (error) return finish(std::nullopt);
   sentBytes_ += count;
   if (sentBytes_ < request_.size()) return sendRequest();
-  receive();
+  if (!receiveAtOnce()) receive();
+}
+
+/// To fall asleep and be woken takes longer than a quick application takes to answer; asking
+/// this often takes some fifty microseconds in all.
+bool NWConnectionBox::receiveAtOnce() {
+  constexpr int attempts = 128;
+  Error error;
+  connection_.non_blocking(true, error);
+  for (int attempt = 0; attempt < attempts; ++attempt) {
+    const auto room = asio::buffer(reply_.room(smallReply), smallReply);
+    const std::size_t count = connection_.receive(room, 0, error);
+    if (error == asio::error::would_block) continue;
+    received(error, count);
+    return true;
+  }
+  return false;
 }
 
 void NWConnectionBox::receive() {

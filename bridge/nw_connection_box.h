@@ -49,6 +49,7 @@ class NWConnectionBox : public std::enable_shared_from_this<NWConnectionBox> {
   [[nodiscard]] bool isConnectedToItself() const;
   void sendRequest();
   void sent(Error error, std::size_t count);
+  bool receiveAtOnce();
   void receive();
   void received(Error error, std::size_t count);
   void waitForMore();

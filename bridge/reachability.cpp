@@ -17,13 +17,12 @@ bool reachable(const Endpoint& endpoint) {
 
 std::optional<Endpoint> waitForApp(std::chrono::duration<double> timeout,
                                    const WaitingSteps& steps) {
-  using std::chrono::system_clock;
   constexpr auto pause = 400ms;
 
   if (auto endpoint = steps.load(); endpoint && steps.probe(*endpoint)) return endpoint;
   if (!steps.launch()) return std::nullopt;
-  const auto deadline = system_clock::now() + timeout;
-  while (system_clock::now() < deadline) {
+  const auto deadline = steps.wallClock() + timeout;
+  while (steps.wallClock() < deadline) {
     if (auto endpoint = steps.load(); endpoint && steps.probe(*endpoint)) return endpoint;
     std::this_thread::sleep_for(pause);
   }

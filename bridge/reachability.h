@@ -20,6 +20,7 @@ struct WaitingSteps {
   std::function<std::optional<Endpoint>()> load = Endpoint::load;
   std::function<bool(const Endpoint&)> probe = reachable;
   std::function<bool()> launch = launchApp;
+  std::function<std::chrono::system_clock::time_point()> wallClock = std::chrono::system_clock::now;
 };
 
 /// An endpoint on which the application answers. If the published one does, that one, at

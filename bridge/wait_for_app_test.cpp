@@ -43,7 +43,7 @@ class WaitForApp : public testing::Test {
  private:
   std::optional<Endpoint> load() {
     ++loadCount;
-    if (launchCount > 0) looks.push_back(Clock::now() - launched_);
+    if (launchCount > 0) looks.emplace_back(Clock::now() - launched_);
     auto file = files.front();
     if (files.size() > 1) files.pop_front();
     return file;
