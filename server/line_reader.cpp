@@ -62,13 +62,15 @@ bool LineReader::readMore() {
   }
 }
 
-/// A line of many megabytes leaves its room to the system again.
+/// The room of a big line stays for the next one, as big lines seldom come alone; once small
+/// ones have come after it, the system gets it back.
 void LineReader::dropTakenLines() {
-  constexpr std::size_t roomToKeep = 1U << 20U;
-  if (begin_ == 0) return;
-  if (bytes_.capacity() <= roomToKeep) {
+  constexpr std::size_t big = 1U << 20U;
+  constexpr std::size_t mostToKeep = 32U << 20U;
+  const std::size_t keep = begin_ > big ? mostToKeep : big;
+  if (bytes_.capacity() <= keep) {
     bytes_.dropFront(begin_);
-  } else {
+  } else if (begin_ > 0) {
     json::Text fresh;
     fresh.append(rest());
     bytes_ = std::move(fresh);

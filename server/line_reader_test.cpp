@@ -31,13 +31,7 @@ Lines allLines(int descriptor) {
 /// The lines when this comes in, piece by piece with a pause between.
 Lines lines(const std::vector<std::string>& pieces) {
   Pipe pipe;
-  std::thread writer([&] {
-    for (const std::string& piece : pieces) {
-      pipe.write(piece);
-      if (pieces.size() > 1) std::this_thread::sleep_for(20ms);
-    }
-    pipe.closeWriteEnd();
-  });
+  std::thread writer = writeInPieces(pipe, pieces);
   Lines read = allLines(pipe.readEnd());
   writer.join();
   return read;

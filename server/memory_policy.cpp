@@ -11,8 +11,8 @@ namespace server {
 void keepRoomForBigMessages() {
 #ifdef __GLIBC__
   constexpr int mebibyte = 1 << 20;
-  mallopt(M_MMAP_THRESHOLD, 12 * mebibyte);
-  mallopt(M_TRIM_THRESHOLD, 24 * mebibyte);
+  mallopt(M_MMAP_THRESHOLD, 32 * mebibyte);
+  mallopt(M_TRIM_THRESHOLD, 32 * mebibyte);
 #endif
   // Other allocators, macOS's among them, keep big blocks by themselves.
 }
