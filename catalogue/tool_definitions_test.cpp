@@ -11,8 +11,8 @@
 #include "catalogue/tools.h"
 #include "tests/unit/laid_out.h"
 
-// The texts themselves are compared, written out a second time, by the end-to-end tests; here
-// it is the rendering that is tested, against the table.
+// The texts themselves are compared with tools.json by the end-to-end tests; here it is the
+// rendering that is tested, against the table.
 
 namespace {
 
