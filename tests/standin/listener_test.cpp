@@ -71,7 +71,7 @@ TEST_F(Listener, RequestOfManyMegabytesArrivesWhole) {
 
 TEST_F(Listener, ReplyOfFourMebibytesArrivesWhole) {
   const std::string reply = "\"" + std::string(4194302, 'q') + "\"";
-  serve([&](std::string_view) { return reply; });
+  serve([&](std::string_view) { return std::string(reply); });
   LoopbackClient client(port());
   client.send("{}");
   EXPECT_TRUE(client.receiveReply() == reply);

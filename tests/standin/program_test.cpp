@@ -57,7 +57,7 @@ TEST_F(Program, EverySignalThatAsksItToStopStopsItCleanly) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     StandinProcess program = start({drive()});
     program.readLine();
-    LoopbackClient idle(json::parse(contentOf(agentFile())).at("port").get<std::uint16_t>());
+    const LoopbackClient idle(json::parse(contentOf(agentFile())).at("port").get<std::uint16_t>());
     EXPECT_EQ(program.stop(signal), 0) << signal;
     EXPECT_FALSE(fs::exists(agentFile())) << signal;
   }

@@ -24,6 +24,7 @@ constexpr int tenSeconds = 10000;
 StandinProcess::StandinProcess(const std::filesystem::path& home, std::vector<std::string> words) {
   words.insert(words.begin(), QUILLMARK_STANDIN_BINARY);
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   std::string homeVariable = "HOME=" + home.native();

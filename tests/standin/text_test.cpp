@@ -26,7 +26,8 @@ class WriteFileReadOnly : public Text {
 };
 
 TEST_F(ReadFile, GivesTheTextAsItIs) {
-  const std::string text = "\xEF\xBB\xBFone\r\ntwo \"\\/\" \u2014 \U0001F40B\n\0end";
+  using namespace std::string_literals;
+  const std::string text = "\xEF\xBB\xBFone\r\ntwo \"\\/\" \u2014 \U0001F40B\n\0end"s;
   putFile(alpha("a/note.txt"), text);
   const json read = result("read_file", at("a/note.txt"));
   EXPECT_EQ(read.at("content"), text);

@@ -14,7 +14,7 @@ class TransferFile : public ServedFolders, public testing::Test {
     putFile(alpha("a/note.txt"), "text");
   }
 
-  static json toBeta(json further = json::object()) {
+  static json toBeta(const json& further = json::object()) {
     json call{{"from_drive", "Alpha"}, {"path", "a/note.txt"}, {"to_drive", "Beta"}};
     call.update(further);
     return call;

@@ -34,27 +34,6 @@ bool AppConnection::receive(std::size_t atMost) {
   return got > 0;
 }
 
-// Nothing but the text itself tells where a request ends, so brackets outside strings are
-// counted. No JSON library is asked, since requests may hold what it refuses.
-bool AppConnection::requestComplete(std::string_view bytes) {
-  for (; scanned_ < bytes.size(); ++scanned_) {
-    const char byte = bytes[scanned_];
-    if (escaped_) {
-      escaped_ = false;
-    } else if (inString_) {
-      escaped_ = byte == '\\';
-      inString_ = byte != '"';
-    } else if (byte == '"') {
-      inString_ = true;
-    } else if (byte == '{' || byte == '[') {
-      ++depth_;
-    } else if ((byte == '}' || byte == ']') && --depth_ == 0) {
-      return true;
-    }
-  }
-  return false;
-}
-
 void AppConnection::readRequest() {
   readRequestSlowly(std::size_t{1} << 18, Duration(0));
 }
@@ -63,7 +42,10 @@ void AppConnection::readRequestSlowly(std::size_t piece, Duration pauseTime) {
   while (receive(piece)) {
     {
       const std::lock_guard lock(state_.mutex);
-      if (requestComplete(state_.records[index_].received)) return;
+      const std::string_view received = state_.records[index_].received;
+      const std::string_view fresh = received.substr(scanned_);
+      scanned_ = received.size();
+      if (end_.reachedBy(fresh)) return;
     }
     pause(pauseTime);
   }

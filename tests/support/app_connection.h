@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/request_end.h"
+
 /// What is known of one connection that the server made to the scripted application.
 struct ConnectionRecord {
   /// Every byte that came, also those after the request's end.
@@ -65,9 +67,5 @@ class AppConnection {
   AppState& state_;
   std::size_t index_;
   std::size_t scanned_ = 0;
-  int depth_ = 0;
-  bool inString_ = false;
-  bool escaped_ = false;
-
-  bool requestComplete(std::string_view bytes);
+  RequestEnd end_;
 };

@@ -64,7 +64,8 @@ void takeStreams(const ChildPlan& plan, int report) {
   for (int descriptor = STDERR_FILENO + 1; descriptor < 1024; ++descriptor) {
     if (descriptor != report) ::close(descriptor);
   }
-  if (plan.setup.strayDescriptor) ::dup(STDERR_FILENO);
+  [[maybe_unused]] const int stray = plan.setup.strayDescriptor ? ::dup(STDERR_FILENO) : -1;
+  for (const int stream : plan.setup.closedStreams) ::close(stream);
 }
 
 void takeSignals(const ChildPlan& plan) {

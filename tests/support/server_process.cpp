@@ -80,7 +80,7 @@ ServerProcess::~ServerProcess() {
     ::kill(pid_, SIGKILL);
     ::waitpid(pid_, nullptr, 0);
   }
-  ::close(output_);
+  closeOutput();
 }
 
 void ServerProcess::send(std::string_view bytes, Duration within) {
@@ -99,6 +99,11 @@ void ServerProcess::send(std::string_view bytes, Duration within) {
 void ServerProcess::closeInput() {
   if (input_ >= 0) ::close(input_);
   input_ = -1;
+}
+
+void ServerProcess::closeOutput() {
+  if (output_ >= 0) ::close(output_);
+  output_ = -1;
 }
 
 // False when there was nothing to take: the time has passed or the output has ended.

@@ -27,6 +27,8 @@ struct ServerSetup {
   bool datagramOutput = false;
   bool signalsBlockedAndIgnored = false;
   bool strayDescriptor = false;
+  /// Numbers of standard streams that the host leaves closed.
+  std::vector<int> closedStreams;
 };
 
 /// How a process ended: by exiting with a code, or by a signal.
@@ -54,6 +56,8 @@ class ServerProcess {
   /// Writes these bytes to the server's standard input.
   void send(std::string_view bytes, Duration within = std::chrono::seconds(60));
   void closeInput();
+  /// Gives up the reading end of the server's standard output.
+  void closeOutput();
 
   /// The next line of output without its line feed, or nothing when none is complete in time.
   std::optional<std::string> readLine(Duration within = generous);

@@ -1,0 +1,105 @@
+#ifdef __linux__
+
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <vector>
+
+#include "tests/support/conversation.h"
+
+namespace {
+
+using nlohmann::json;
+namespace fs = std::filesystem;
+
+// What the server shows of itself to the rest of the machine, while a call is held.
+class Secrecy : public Conversation {
+ protected:
+  void SetUp() override {
+    Conversation::SetUp();
+    app.script({answer(), replyWhenReleased(R"({"ok":true})")});
+    say(toolCall(R"({"name":"x"})"));
+    ASSERT_TRUE(app.waitUntilReceived(1, 1));
+  }
+
+  fs::path ofProcess(std::string_view name) const {
+    return fs::path("/proc") / std::to_string(server->pid()) / name;
+  }
+
+  std::string contentOf(std::string_view name) const {
+    std::ifstream file(ofProcess(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  // The numbers by which the system knows the sockets that the server has open.
+  std::vector<std::string> ownSockets() const {
+    std::vector<std::string> found;
+    for (const auto& entry : fs::directory_iterator(ofProcess("fd"))) {
+      const std::string target = fs::read_symlink(entry.path()).string();
+      if (target.starts_with("socket:[")) found.push_back(target.substr(8, target.size() - 9));
+    }
+    return found;
+  }
+
+  // The local and remote address of a TCP socket over IPv4, each "ADDRESS:PORT" in hexadecimal
+  // digits; both empty if there is no such socket.
+  std::pair<std::string, std::string> addressesOf(const std::string& socket) const {
+    std::istringstream table(contentOf("net/tcp"));
+    for (std::string line; std::getline(table, line);) {
+      std::istringstream fields(line);
+      const std::vector<std::string> columns{std::istream_iterator<std::string>(fields), {}};
+      if (columns.size() > 9 && columns[9] == socket) return {columns[1], columns[2]};
+    }
+    return {};
+  }
+};
+
+TEST_F(Secrecy, TheOnlySocketIsConnectedOverTheLoopbackAddress) {
+  constexpr std::string_view loopback = "0100007F:";
+  const std::vector<std::string> sockets = ownSockets();
+  ASSERT_EQ(sockets.size(), 1U) << "the call's; the probe's is closed, and nothing listens";
+  const auto [local, remote] = addressesOf(sockets[0]);
+  EXPECT_TRUE(local.starts_with(loopback)) << local;
+  ASSERT_TRUE(remote.starts_with(loopback)) << remote;
+  EXPECT_EQ(std::stoi(remote.substr(loopback.size()), nullptr, 16), app.port());
+}
+
+TEST_F(Secrecy, TokenIsInNeitherArgumentsNorEnvironment) {
+  ASSERT_TRUE(has(app.record(1).received, usualToken));
+  const std::string arguments = contentOf("cmdline");
+  const std::string environment = contentOf("environ");
+  ASSERT_FALSE(arguments.empty() || environment.empty());
+  EXPECT_FALSE(has(arguments, usualToken));
+  EXPECT_FALSE(has(environment, usualToken));
+}
+
+TEST_F(Secrecy, NoFileIsOpenDuringACall) {
+  for (const auto& entry : fs::directory_iterator(ofProcess("fd"))) {
+    const int number = std::stoi(entry.path().filename().string());
+    const std::string target = fs::read_symlink(entry.path()).string();
+    EXPECT_TRUE(number <= 2 || !target.starts_with('/')) << number << " is " << target;
+  }
+}
+
+// An application that answers otherwise each time, and echoes nothing.
+TEST_F(Secrecy, TokenIsInNoMessageOfAnyFailure) {
+  app.release();
+  std::string heard = hearLine();
+  const std::vector<std::vector<ScriptedApp::Script>> failures{
+      {answer(), readAndHangUp()},
+      {answer(), reset()},
+      {answer(), reply("garbage")},
+      {answer(), reply("{}")},
+      {answer(), refuse("The token is wrong.")},
+  };
+  for (const auto& scripts : failures) {
+    app.script(scripts);
+    say(toolCall(R"({"name":"x"})"));
+    heard += hearLine();
+  }
+  EXPECT_FALSE(has(heard, usualToken));
+}
+
+}  // namespace
+
+#endif
