@@ -1,0 +1,133 @@
+#include "tests/soak/misbehaving_app.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <vector>
+
+#include "tests/support/conversation.h"
+#include "tests/support/request_end.h"
+
+namespace {
+
+using nlohmann::json;
+
+Behaviour success(std::string_view name, const std::string& result) {
+  const json value = json::parse(result);
+  return {.name = name,
+          .reply = R"({"ok":true,"result":)" + result + "}",
+          .text = value.empty() ? value.dump() : value.dump(2)};
+}
+
+Behaviour unreadable(std::string_view name, std::string reply) {
+  return {
+      .name = name, .reply = std::move(reply), .text = std::string(unreadableReply), .fails = true};
+}
+
+// Texts without anything that is laid out differently by different writers.
+std::vector<Behaviour> allBehaviours() {
+  std::string listing = "[0";
+  for (int i = 1; i < 2000; ++i) listing += "," + std::to_string(i);
+  listing += "]";
+  const std::string big = "[\"" + std::string(4'000'000, 'q') + "\"]";
+  return {success("small", R"({})"),
+          success("listing", listing),
+          success("big", big),
+          {.name = "refuse",
+           .reply = R"({"ok":false,"error":"Not now."})",
+           .text = "Not now.",
+           .fails = true},
+          {.name = "shrug", .reply = "{}", .text = std::string(refusedRequest), .fails = true},
+          unreadable("close", ""),
+          unreadable("reset", ""),
+          unreadable("garbage", std::string("\x00\xFF}{\"]\n", 7)),
+          unreadable("truncated", R"({"ok":true,"result":{"a":[1,2)"),
+          unreadable("bigTruncated", R"({"ok":true,"result":[")" + std::string(1'000'000, 'q')),
+          unreadable("tooLong", R"({"ok":true,"result":[")" + std::string(4'200'000, 'q') + "\"]}"),
+          unreadable("deep", R"({"ok":true,"result":)" + nestedArrays(1500) + "}")};
+}
+
+void writeAll(int connection, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t sent = ::send(connection, bytes.data(), bytes.size(), 0);
+    if (sent <= 0) return;
+    bytes.remove_prefix(static_cast<std::size_t>(sent));
+  }
+}
+
+// The whole request, or what came of it.
+std::string readRequest(int connection) {
+  std::string request;
+  RequestEnd end;
+  std::vector<char> block(std::size_t{1} << 16);
+  while (true) {
+    const ssize_t got = ::recv(connection, block.data(), block.size(), 0);
+    if (got <= 0) return request;
+    const std::string_view piece(block.data(), static_cast<std::size_t>(got));
+    request += piece;
+    if (end.reachedBy(piece)) return request;
+  }
+}
+
+void breakOff(int connection) {
+  const linger atOnce{.l_onoff = 1, .l_linger = 0};
+  ::setsockopt(connection, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+}
+
+}  // namespace
+
+const Behaviour& behaviour(std::string_view name) {
+  static const std::vector<Behaviour> all = allBehaviours();
+  const auto found = std::ranges::find(all, name, &Behaviour::name);
+  if (found == all.end()) throw std::runtime_error("no behaviour " + std::string(name));
+  return *found;
+}
+
+MisbehavingApp::MisbehavingApp(bool failsProbes)
+    : failsProbes_(failsProbes), listener_(::socket(AF_INET, SOCK_STREAM, 0)) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof address;
+  if (::bind(listener_, reinterpret_cast<const sockaddr*>(&address), size) != 0 ||
+      ::listen(listener_, 64) != 0 ||
+      ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+    throw std::runtime_error("the application can't listen");
+  }
+  port_ = ntohs(address.sin_port);
+  thread_ = std::thread(&MisbehavingApp::serve, this);
+}
+
+MisbehavingApp::~MisbehavingApp() {
+  done_ = true;
+  thread_.join();
+  ::close(listener_);
+}
+
+void MisbehavingApp::serve() {
+  while (!done_) {
+    pollfd wanted{.fd = listener_, .events = POLLIN, .revents = 0};
+    if (::poll(&wanted, 1, 50) <= 0) continue;
+    const int connection = ::accept(listener_, nullptr, nullptr);
+    if (connection < 0) continue;
+    answer(connection);
+    ::close(connection);
+  }
+}
+
+void MisbehavingApp::answer(int connection) {
+  const json request = json::parse(readRequest(connection));
+  if (request.at("tool") == "drive_status") {
+    if (failsProbes_ && ++probes_ % 1000 == 0) return breakOff(connection);
+    return writeAll(connection, behaviour("small").reply);
+  }
+  ++calls_;
+  const Behaviour& wanted = behaviour(request.at("arguments").at("do").get<std::string>());
+  if (wanted.name == "reset") return breakOff(connection);
+  writeAll(connection, wanted.reply);
+}
