@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "benchmarks/driver/interleave.h"
+#include "benchmarks/driver/placement.h"
 #include "benchmarks/driver/timed_call.h"
 
 namespace {
@@ -42,6 +43,7 @@ Growth measure(Setting& setting, const char* what, ToolCall (*make)(std::size_t)
 }  // namespace
 
 std::vector<Growth> measureGrowth(Setting& setting) {
+  const Placement placement(setting.application.thread());
   return {
       measure(setting, "reply", longTextReply, {1'000'000, 2'000'000, 4'000'000}),
       measure(setting, "argument", longArgument, {1'000'000, 4'000'000, 16'000'000, 64'000'000})};

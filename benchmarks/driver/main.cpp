@@ -1,6 +1,6 @@
 // quillmark-benchmark: measures servers side by side.
 //
-//   quillmark-benchmark [--rounds N] [--plot FILE.svg] [--check] NAME=COMMAND...
+//   quillmark-benchmark [OPTION...] NAME=COMMAND...
 
 #include <csignal>
 #include <fstream>
@@ -18,17 +18,19 @@
 namespace {
 
 constexpr std::string_view usage =
-    "usage: quillmark-benchmark [--rounds N] [--plot FILE.svg] [--check] NAME=COMMAND...\n"
+    "usage: quillmark-benchmark [OPTION...] NAME=COMMAND...\n"
     "\n"
     "Drives each server in turn over pipes, against an application of its own, and prints the\n"
     "median of each measure, with its ratio to the contestant named floor if there is one.\n"
     "\n"
     "  --rounds N       samples of the slow measures (20); the quick ones take more\n"
+    "  --only WORDS     takes just the measures whose names hold these words\n"
     "  --plot FILE.svg  draws the cost per byte against the size\n"
     "  --check          checks the answers only, and times nothing\n";
 
 struct Options {
   int rounds = 20;
+  std::string only;
   bool checkOnly = false;
   std::string plot;
   std::vector<Contestant> contestants;
@@ -40,6 +42,8 @@ Options parseOptions(const std::vector<std::string>& words) {
   for (std::size_t i = 0; i < words.size(); ++i) {
     if (words[i] == "--rounds") {
       options.rounds = std::stoi(words.at(++i));
+    } else if (words[i] == "--only") {
+      options.only = words.at(++i);
     } else if (words[i] == "--plot") {
       options.plot = words.at(++i);
     } else if (words[i] == "--check") {
@@ -60,7 +64,9 @@ void run(const Options& options) {
     std::cout << "All answers are right.\n";
     return;
   }
-  std::cout << measureTable(setting.contestants, takeMeasures(setting)) << '\n' << std::flush;
+  std::cout << measureTable(setting.contestants, takeMeasures(setting, options.only)) << '\n'
+            << std::flush;
+  if (!options.only.empty()) return;
   const std::vector<Growth> growths = measureGrowth(setting);
   std::cout << growthTable(setting.contestants, growths);
   if (options.plot.empty()) return;

@@ -1,6 +1,7 @@
 #include "benchmarks/driver/measures.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
@@ -21,15 +22,12 @@ struct NamedCall {
   int samplesPerRound;
 };
 
-NamedCall namedSmallCall() {
-  return {.what = "tools/call, 300-byte reply", .call = smallCall(), .samplesPerRound = 20};
-}
-
-std::vector<NamedCall> namedBigCalls() {
+std::vector<NamedCall> namedCalls() {
   std::vector<NamedCall> calls;
   const auto add = [&calls](const char* what, ToolCall call, int samplesPerRound) {
     calls.push_back({.what = what, .call = std::move(call), .samplesPerRound = samplesPerRound});
   };
+  add("tools/call, 300-byte reply", smallCall(), 20);
   add("tools/call, 1 MiB reply, one long text", longTextReply(1'048'576), 2);
   add("tools/call, 4 MB reply, one long text", longTextReply(4'000'000), 1);
   add("tools/call, 4 MB reply, 29,000 objects", listingReply(), 1);
@@ -47,14 +45,12 @@ double timeStart(Setting& setting, const Contestant& contestant) {
   return elapsed;
 }
 
-Measure startToFirstReply(Setting& setting) {
+std::vector<double> startToFirstReply(Setting& setting) {
   const auto samplers = samplersFor(setting.contestants, [&](const Contestant& contestant) {
     timeStart(setting, contestant);  // so that the program's file is at hand
     return [&] { return timeStart(setting, contestant); };
   });
-  return {.what = "start to first reply (initialize)",
-          .unit = Unit::time,
-          .values = interleavedMedians(samplers, 10 * setting.rounds, 1)};
+  return interleavedMedians(samplers, 10 * setting.rounds, 1);
 }
 
 double timeList(Conversation& conversation, const Contestant& contestant,
@@ -66,7 +62,8 @@ double timeList(Conversation& conversation, const Contestant& contestant,
   return elapsed;
 }
 
-Measure toolsList(Setting& setting) {
+std::vector<double> toolsList(Setting& setting) {
+  const Placement placement(setting.application.thread());
   const auto samplers = samplersFor(setting.contestants, [&](const Contestant& contestant) {
     const auto conversation = std::make_shared<Conversation>(contestant, setting.home());
     conversation->initialize();
@@ -74,22 +71,19 @@ Measure toolsList(Setting& setting) {
     checkToolsList(contestant, checked);
     return [=, &contestant] { return timeList(*conversation, contestant, checked); };
   });
-  return {.what = "tools/list round trip",
-          .unit = Unit::time,
-          .values = interleavedMedians(samplers, setting.rounds, 20)};
+  return interleavedMedians(samplers, setting.rounds, 20);
 }
 
-Measure toolCall(Setting& setting, const NamedCall& named) {
+std::vector<double> toolCall(Setting& setting, const NamedCall& named) {
+  const Placement placement(setting.application.thread());
   const auto samplers = samplersFor(setting.contestants, [&](const Contestant& contestant) {
     const auto timed = std::make_shared<TimedCall>(setting, contestant, named.call);
     return [timed] { return timed->run(); };
   });
-  return {.what = named.what,
-          .unit = Unit::time,
-          .values = interleavedMedians(samplers, setting.rounds, named.samplesPerRound)};
+  return interleavedMedians(samplers, setting.rounds, named.samplesPerRound);
 }
 
-Measure idleMemory(Setting& setting) {
+std::vector<double> idleMemory(Setting& setting) {
   const auto samplers = samplersFor(setting.contestants, [&](const Contestant& contestant) {
     return [&] {
       Conversation conversation(contestant, setting.home());
@@ -97,12 +91,10 @@ Measure idleMemory(Setting& setting) {
       return conversation.memory().now;
     };
   });
-  return {.what = "resident memory, idle",
-          .unit = Unit::memory,
-          .values = interleavedMedians(samplers, 5, 1)};
+  return interleavedMedians(samplers, 5, 1);
 }
 
-Measure peakMemory(Setting& setting) {
+std::vector<double> peakMemory(Setting& setting) {
   const ToolCall call = longTextReply(4'000'000);
   const auto samplers = samplersFor(setting.contestants, [&](const Contestant& contestant) {
     return [&] {
@@ -111,36 +103,51 @@ Measure peakMemory(Setting& setting) {
       return timed.conversation().memory().peak;
     };
   });
-  return {.what = "resident memory, peak after ten 4 MB replies",
-          .unit = Unit::memory,
-          .values = interleavedMedians(samplers, 3, 1)};
+  return interleavedMedians(samplers, 3, 1);
 }
 
-Measure programSize(const Setting& setting) {
-  Measure measure{.what = "program, stripped", .unit = Unit::memory, .values = {}};
-  std::ranges::transform(setting.contestants, std::back_inserter(measure.values), strippedSize);
-  return measure;
+std::vector<double> programSize(const Setting& setting) {
+  std::vector<double> sizes;
+  std::ranges::transform(setting.contestants, std::back_inserter(sizes), strippedSize);
+  return sizes;
+}
+
+struct MeasureKind {
+  std::string what;
+  Unit unit;
+  std::function<std::vector<double>(Setting&)> take;
+};
+
+std::vector<MeasureKind> measureKinds() {
+  std::vector<MeasureKind> kinds{
+      {"start to first reply (initialize)", Unit::time, startToFirstReply},
+      {"tools/list round trip", Unit::time, toolsList}};
+  for (const NamedCall& named : namedCalls()) {
+    const auto take = [named](Setting& setting) {
+      const Placement placement(setting.application.thread());
+      return toolCall(setting, named);
+    };
+    kinds.push_back({named.what, Unit::time, take});
+  }
+  kinds.push_back({"resident memory, idle", Unit::memory, idleMemory});
+  kinds.push_back({"resident memory, peak after ten 4 MB replies", Unit::memory, peakMemory});
+  kinds.push_back({"program, stripped", Unit::memory, programSize});
+  return kinds;
 }
 
 }  // namespace
 
-std::vector<Measure> takeMeasures(Setting& setting) {
-  std::vector<Measure> measures{startToFirstReply(setting)};
-  {
-    const Placement placement(setting.application.thread());
-    measures.push_back(toolsList(setting));
-    measures.push_back(toolCall(setting, namedSmallCall()));
+std::vector<Measure> takeMeasures(Setting& setting, std::string_view words) {
+  std::vector<Measure> measures;
+  for (const MeasureKind& kind : measureKinds()) {
+    if (!kind.what.contains(words)) continue;
+    measures.push_back({.what = kind.what, .unit = kind.unit, .values = kind.take(setting)});
   }
-  for (const NamedCall& named : namedBigCalls()) measures.push_back(toolCall(setting, named));
-  measures.push_back(idleMemory(setting));
-  measures.push_back(peakMemory(setting));
-  measures.push_back(programSize(setting));
   return measures;
 }
 
 void checkAnswers(Setting& setting) {
-  std::vector<NamedCall> calls = namedBigCalls();
-  calls.push_back(namedSmallCall());
+  const std::vector<NamedCall> calls = namedCalls();
   for (const Contestant& contestant : setting.contestants) {
     Conversation conversation(contestant, setting.home());
     checkInitialize(contestant, conversation.initialize());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "benchmarks/driver/setting.h"
@@ -14,9 +15,9 @@ struct Measure {
   std::vector<double> values;
 };
 
-/// Takes all measures, in the order in which they are shown. Throws std::runtime_error at the
-/// first wrong answer.
-std::vector<Measure> takeMeasures(Setting& setting);
+/// Takes the measures whose names hold `words`, all of them if it is empty, in the order in which
+/// they are shown. Throws std::runtime_error at the first wrong answer.
+std::vector<Measure> takeMeasures(Setting& setting, std::string_view words);
 
 /// Makes every kind of call once with every contestant and checks the answers, without timing
 /// anything. Throws std::runtime_error at the first wrong one.

@@ -6,8 +6,8 @@
 
 /// While it lives, the calling thread and the processes that it starts share one processor, and
 /// the other thread has another: host and server here, application there. Where the scheduler
-/// happens to put two processes that wake each other decides a short round trip more than anything
-/// they do (3 or 40 microseconds for the same answer), so short ones are measured with this. Does
+/// happens to put processes that wake each other decides more than anything they do: 3 or 40
+/// microseconds for the same short answer, 9 or 14 milliseconds for the same long one. Does
 /// nothing on a machine with one processor, and on systems that don't let a program choose.
 class Placement {
  public:

@@ -9,7 +9,7 @@
 #include <iterator>
 #include <system_error>
 
-#include "benchmarks/driver/object_end.h"
+#include "tests/support/request_end.h"
 
 namespace {
 
@@ -100,7 +100,7 @@ void StandInApplication::answer(Descriptor connection) {
 }
 
 void StandInApplication::receive(int connection, Exchange& exchange) {
-  ObjectEnd end;
+  RequestEnd end;
   std::string& buffer = exchange.buffer;
   exchange.received = 0;
   for (bool whole = false; !whole;) {
@@ -110,7 +110,8 @@ void StandInApplication::receive(int connection, Exchange& exchange) {
     if (count <= 0) return;
     const auto size = static_cast<std::size_t>(count);
     exchange.received += size;
-    whole = exchange.length > 0 ? exchange.received >= exchange.length : end.passed({fresh, size});
+    whole =
+        exchange.length > 0 ? exchange.received >= exchange.length : end.reachedBy({fresh, size});
   }
 }
 
