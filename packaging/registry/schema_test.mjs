@@ -1,6 +1,10 @@
 import assert from "node:assert/strict";
+import { readFileSync } from "node:fs";
+import { createServer } from "node:http";
 import { test } from "node:test";
-import { unmet } from "./requirements.mjs";
+import { schemaAt, violations } from "./schema.mjs";
+
+const schema = JSON.parse(readFileSync(new URL("server.schema.json", import.meta.url)));
 
 const good = () => ({
   $schema: "https://schemas.example.invalid/schemas/2025-12-11/server.schema.json",
@@ -16,7 +20,7 @@ const good = () => ({
   }],
 });
 
-test("a server with everything in place is fine", () => assert.deepEqual(unmet(good()), []));
+test("a server with everything in place is fine", () => assert.deepEqual(violations(schema, good()), []));
 
 const faults = {
   "no schema": (server) => delete server.$schema,
@@ -44,6 +48,40 @@ for (const [fault, inflict] of Object.entries(faults)) {
   test(`${fault} is found, and nothing else`, () => {
     const server = good();
     inflict(server);
-    assert.equal(unmet(server).length, 1);
+    assert.equal(violations(schema, server).length, 1);
   });
 }
+
+/// Runs `use` with an address on loopback where `answer` takes every request.
+async function serving(answer, use) {
+  const registry = createServer((request, response) => answer(response));
+  await new Promise((resolve) => registry.listen(0, "127.0.0.1", resolve));
+  try {
+    return await use(`http://127.0.0.1:${registry.address().port}/server.schema.json`);
+  } finally {
+    registry.closeAllConnections();
+    registry.close();
+  }
+}
+
+test("the schema at an address is the one that stands there", async () => {
+  const text = JSON.stringify({ properties: { title: { maxLength: 3, example: "x" } } });
+  const found = await serving((response) => response.end(text), schemaAt);
+  assert.deepEqual(violations(found.schema, good()),
+    ["/title must NOT have more than 3 characters"]);
+});
+
+test("an address that has no schema is an error", async () => {
+  await assert.rejects(serving((response) => response.writeHead(404).end("{}"), schemaAt), /404/);
+  await assert.rejects(serving((response) => response.end("no JSON"), schemaAt), SyntaxError);
+});
+
+test("an address where nobody listens is said to be unreachable", async () => {
+  const address = await serving(() => {}, async (closedSoon) => closedSoon);
+  assert.deepEqual(await schemaAt(address), { unreachable: "ECONNREFUSED" });
+});
+
+test("an address that does not answer in time is said to be unreachable", async () => {
+  const found = await serving(() => {}, (address) => schemaAt(address, 50));
+  assert.match(found.unreachable, /timeout/);
+});
