@@ -86,13 +86,19 @@ Outcome byteByByte(const std::string& text) {
   return outcome(reader, text);
 }
 
+/// From one place where a text is cut to the next: all are tried, but only some hundreds in one
+/// of many thousand bytes.
+std::size_t stride(const std::string& text) {
+  return 1 + text.size() / 500;
+}
+
 TEST(ReaderJudged, PiecesMakeNoDifference) {
   RandomDocuments documents(3);
   for (int i = 0; i < 200; ++i) {
     const std::string document = documents.next(15);
     const std::string text = i % 2 == 0 ? document : documents.mutant(document);
     const Outcome expected = whole(text);
-    for (std::size_t split = 0; split <= text.size(); ++split) {
+    for (std::size_t split = 0; split <= text.size(); split += stride(text)) {
       ASSERT_EQ(inTwoPieces(text, split), expected) << text << " split at " << split;
     }
     ASSERT_EQ(byteByByte(text), expected) << text;
@@ -103,7 +109,7 @@ TEST(ReaderJudged, NoBeginningOfADocumentIsRefused) {
   RandomDocuments documents(4);
   for (int i = 0; i < 500; ++i) {
     const std::string document = documents.next(15);
-    for (std::size_t length = 0; length < document.size(); ++length) {
+    for (std::size_t length = 0; length < document.size(); length += stride(document)) {
       Reader reader;
       ASSERT_NE(reader.read(std::string(document, 0, length)), State::malformed)
           << document << " cut to " << length;
