@@ -1,21 +1,14 @@
 #include "benchmarks/driver/stand_in_application.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <iterator>
 #include <system_error>
 
 #include "tests/support/request_end.h"
 
 namespace {
-
-void require(bool done, const char* what) {
-  if (!done) throw std::system_error(errno, std::generic_category(), what);
-}
 
 void sendAll(int connection, std::string_view bytes) {
   while (!bytes.empty()) {
@@ -25,25 +18,15 @@ void sendAll(int connection, std::string_view bytes) {
   }
 }
 
-pollfd readable(const Descriptor& descriptor) {
-  return {.fd = descriptor.get(), .events = POLLIN, .revents = 0};
+pollfd readable(int descriptor) {
+  return {.fd = descriptor, .events = POLLIN, .revents = 0};
 }
 
 }  // namespace
 
-StandInApplication::StandInApplication() : listener_(::socket(AF_INET, SOCK_STREAM, 0)) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  auto* anyAddress = reinterpret_cast<sockaddr*>(&address);
-  require(::bind(listener_.get(), anyAddress, size) == 0, "bind");
-  require(::listen(listener_.get(), 16) == 0, "listen");
-  require(::getsockname(listener_.get(), anyAddress, &size) == 0, "getsockname");
-  port_ = ntohs(address.sin_port);
-
+StandInApplication::StandInApplication() {
   std::array<int, 2> stop{};
-  require(::pipe(stop.data()) == 0, "pipe");
+  if (::pipe(stop.data()) != 0) throw std::system_error(errno, std::generic_category(), "no pipe");
   stopReader_ = Descriptor(stop[0]);
   stopWriter_ = Descriptor(stop[1]);
   thread_ = std::thread([this] { serve(); });
@@ -79,11 +62,11 @@ std::size_t StandInApplication::requestCount() const {
 void StandInApplication::serve() {
   std::vector<pollfd> polled;
   while (true) {
-    polled = {readable(stopReader_), readable(listener_)};
-    std::ranges::transform(answered_, std::back_inserter(polled), readable);
+    polled = {readable(stopReader_.get()), readable(listener_.socket())};
+    for (const Descriptor& connection : answered_) polled.push_back(readable(connection.get()));
     if (::poll(polled.data(), static_cast<nfds_t>(polled.size()), -1) < 0) continue;
     if (polled[0].revents != 0) return;
-    if (polled[1].revents != 0) answer(Descriptor(::accept(listener_.get(), nullptr, nullptr)));
+    if (polled[1].revents != 0) answer(Descriptor(listener_.accept()));
     closeFinished(polled);
   }
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "benchmarks/driver/descriptor.h"
+#include "tests/support/loopback_listener.h"
 
 /// The application's side of the loopback connections, made to cost as little as it can: replies
 /// are ready before they are asked for and go out in one write, and where the length of a request
@@ -36,7 +37,7 @@ class StandInApplication {
   StandInApplication(const StandInApplication&) = delete;
   StandInApplication& operator=(const StandInApplication&) = delete;
 
-  std::uint16_t port() const { return port_; }
+  std::uint16_t port() const { return listener_.port(); }
   /// The thread that serves.
   std::thread::native_handle_type thread() { return thread_.native_handle(); }
 
@@ -61,9 +62,8 @@ class StandInApplication {
   static void receive(int connection, Exchange& exchange);
   void closeFinished(const std::vector<pollfd>& polled);
 
-  Descriptor listener_;
+  LoopbackListener listener_{16};
   Descriptor stopReader_, stopWriter_;
-  std::uint16_t port_ = 0;
   std::array<Exchange, 2> exchanges_;  // handed to and fro by way of busy_
   std::atomic<std::size_t> count_ = 0;
   std::atomic<bool> busy_ = false;

@@ -1,8 +1,6 @@
 #ifdef __linux__
 
-#include <arpa/inet.h>
 #include <fcntl.h>
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -12,45 +10,29 @@
 #include <vector>
 
 #include "tests/support/conversation.h"
+#include "tests/support/loopback_listener.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 
-sockaddr_in loopback(int port) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  return address;
-}
-
 // A listener whose queue is full, so that further connections are neither refused nor
 // established, until makeRoom().
 class FullListener {
  public:
-  FullListener() : listener_(::socket(AF_INET, SOCK_STREAM, 0)) {
-    sockaddr_in address = loopback(0);
-    socklen_t size = sizeof address;
-    if (::bind(listener_, reinterpret_cast<const sockaddr*>(&address), size) != 0 ||
-        ::listen(listener_, 0) != 0 ||
-        ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
-      throw std::runtime_error("cannot listen");
-    }
-    port_ = ntohs(address.sin_port);
+  FullListener() {
     while (fillOnePlace()) {
     }
   }
 
   ~FullListener() {
     for (const int filler : fillers_) ::close(filler);
-    ::close(listener_);
   }
 
   FullListener(const FullListener&) = delete;
   FullListener& operator=(const FullListener&) = delete;
 
-  int port() const { return port_; }
+  int port() const { return listener_.port(); }
 
   // Takes the waiting connections, and whatever comes after them, for that long; returns the
   // bytes that came on them.
@@ -60,7 +42,7 @@ class FullListener {
     std::string heard;
     const auto end = std::chrono::steady_clock::now() + time;
     while (std::chrono::steady_clock::now() < end) {
-      pollfd wanted{.fd = listener_, .events = POLLIN, .revents = 0};
+      pollfd wanted{.fd = listener_.socket(), .events = POLLIN, .revents = 0};
       if (::poll(&wanted, 1, 100) > 0) heard += takeOne();
     }
     return heard;
@@ -73,7 +55,7 @@ class FullListener {
     if (filler < 0) throw std::runtime_error("no socket");
     fillers_.push_back(filler);
     ::fcntl(filler, F_SETFL, O_NONBLOCK);
-    const sockaddr_in address = loopback(port_);
+    const sockaddr_in address = loopback(listener_.port());
     if (::connect(filler, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
       return true;
     }
@@ -82,7 +64,7 @@ class FullListener {
   }
 
   std::string takeOne() const {
-    const int taken = ::accept(listener_, nullptr, nullptr);
+    const int taken = listener_.accept();
     std::array<char, 4096> block{};
     pollfd wanted{.fd = taken, .events = POLLIN, .revents = 0};
     const ssize_t got = ::poll(&wanted, 1, 500) > 0 ? ::read(taken, block.data(), block.size()) : 0;
@@ -90,8 +72,7 @@ class FullListener {
     return {block.data(), static_cast<std::size_t>(got > 0 ? got : 0)};
   }
 
-  int listener_;
-  int port_ = 0;
+  LoopbackListener listener_{0};
   std::vector<int> fillers_;
 };
 

@@ -1,7 +1,5 @@
 #include "tests/soak/misbehaving_app.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -89,31 +87,18 @@ const Behaviour& behaviour(std::string_view name) {
 }
 
 MisbehavingApp::MisbehavingApp(bool failsProbes)
-    : failsProbes_(failsProbes), listener_(::socket(AF_INET, SOCK_STREAM, 0)) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  if (::bind(listener_, reinterpret_cast<const sockaddr*>(&address), size) != 0 ||
-      ::listen(listener_, 64) != 0 ||
-      ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
-    throw std::runtime_error("the application can't listen");
-  }
-  port_ = ntohs(address.sin_port);
-  thread_ = std::thread(&MisbehavingApp::serve, this);
-}
+    : failsProbes_(failsProbes), thread_(&MisbehavingApp::serve, this) {}
 
 MisbehavingApp::~MisbehavingApp() {
   done_ = true;
   thread_.join();
-  ::close(listener_);
 }
 
 void MisbehavingApp::serve() {
   while (!done_) {
-    pollfd wanted{.fd = listener_, .events = POLLIN, .revents = 0};
+    pollfd wanted{.fd = listener_.socket(), .events = POLLIN, .revents = 0};
     if (::poll(&wanted, 1, 50) <= 0) continue;
-    const int connection = ::accept(listener_, nullptr, nullptr);
+    const int connection = listener_.accept();
     if (connection < 0) continue;
     answer(connection);
     ::close(connection);

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <thread>
 
+#include "tests/support/loopback_listener.h"
+
 /// A stand-in for the desktop application for hundreds of thousands of calls: it listens on a
 /// port of 127.0.0.1, serves one connection at a time on a thread of its own, and keeps nothing.
 ///
@@ -14,13 +16,13 @@
 /// off if `failsProbes` is set.
 class MisbehavingApp {
  public:
-  /// Listens at once. Throws std::runtime_error if it can't.
+  /// Listens at once. Throws std::system_error if it can't.
   explicit MisbehavingApp(bool failsProbes);
   ~MisbehavingApp();
   MisbehavingApp(const MisbehavingApp&) = delete;
   MisbehavingApp& operator=(const MisbehavingApp&) = delete;
 
-  int port() const { return port_; }
+  int port() const { return listener_.port(); }
   std::size_t probes() const { return probes_; }
   std::size_t calls() const { return calls_; }
 
@@ -29,8 +31,7 @@ class MisbehavingApp {
   void answer(int connection);
 
   bool failsProbes_;
-  int listener_ = -1;
-  int port_ = 0;
+  LoopbackListener listener_{64};
   std::atomic<bool> done_ = false;
   std::atomic<std::size_t> probes_ = 0;
   std::atomic<std::size_t> calls_ = 0;

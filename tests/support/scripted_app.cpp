@@ -1,7 +1,5 @@
 #include "tests/support/scripted_app.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -10,6 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "tests/support/loopback_listener.h"
 #include "tests/support/scripts.h"
 
 namespace {
@@ -20,10 +19,7 @@ int boundSocket(int type, int port) {
   if (socket < 0) return -1;
   const int on = 1;
   if (type == SOCK_STREAM) ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  const sockaddr_in address = loopback(static_cast<std::uint16_t>(port));
   if (::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
     return socket;
   }
