@@ -34,10 +34,10 @@ class AppResult {
 
 using CallResult = std::expected<AppResult, BridgeFailure>;
 
-/// Has the desktop application carry out a tool call: makes sure that it runs and answers (up
-/// to 20 seconds and a last probe), sends it the call, and waits up to 30 seconds for what it
-/// says. Neither the tool's name nor the arguments, an object, are looked at. Blocks; main
-/// thread only.
+/// Has the desktop application carry out a tool call: makes sure that it runs and answers (see
+/// waitForApp(); up to 20 seconds after a first probe of 3, and a last one), sends it the call,
+/// and waits up to 30 seconds for what it says. Neither the tool's name nor the arguments, an
+/// object, are looked at. Blocks; main thread only.
 CallResult callApp(std::string_view tool, json::Value arguments);
 
 /// The result of a call whose exchange came out like that.

@@ -27,8 +27,7 @@ void ExchangeLoop::leave() {
   }
 }
 
-void ExchangeLoop::Turn::runUntil(std::chrono::steady_clock::time_point deadline,
-                                  const bool& done) {
+void ExchangeLoop::Turn::runUntil(UptimeClock::time_point deadline, const bool& done) {
   while (!done && loop_.context_.run_one_until(deadline) > 0) {
   }
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <chrono>
-#include <functional>
 #include <thread>
 
 #include <asio/io_context.hpp>
+
+#include "bridge/uptime_clock.h"
 
 namespace bridge {
 
@@ -40,7 +40,10 @@ class ExchangeLoop {
     [[nodiscard]] asio::io_context& context() { return loop_.context_; }
 
     /// Runs handlers on this thread until `done` is true or the deadline has passed.
-    void runUntil(std::chrono::steady_clock::time_point deadline, const bool& done);
+    void runUntil(UptimeClock::time_point deadline, const bool& done);
+
+    /// Runs what has become ready, and waits for nothing.
+    void runReady() { loop_.context_.poll(); }
 
    private:
     ExchangeLoop& loop_;

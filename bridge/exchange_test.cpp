@@ -96,7 +96,7 @@ TEST_F(Exchange, RefusedConnectionLastsUntilTheLimit) {
   EXPECT_FALSE(outcome.ended);
   EXPECT_FALSE(outcome.reply);
   EXPECT_GE(took, 1s);
-  EXPECT_LT(took, 1500ms);
+  EXPECT_LT(took, 10s);
 }
 
 TEST_F(Exchange, RequestThatWasNeverSentIsForgottenAtTheLimit) {
@@ -112,7 +112,7 @@ TEST_F(Exchange, SilenceLastsUntilTheLimitAndLeavesTheConnectionOpen) {
   EXPECT_FALSE(outcome.ended);
   EXPECT_FALSE(outcome.reply);
   EXPECT_GE(took, 1s);
-  EXPECT_LT(took, 1500ms);
+  EXPECT_LT(took, 10s);
   EXPECT_FALSE(app.waitUntilClosedByServer(0, 300ms));
 }
 

@@ -51,7 +51,12 @@ void NWConnectionBox::connected(Error error) {
   // Accepted and thrown out at once: that is the end of an exchange, not an application to
   // wait for.
   if (error == asio::error::connection_reset) return finish(std::nullopt);
-  if (error || isConnectedToItself()) return waitAndConnect();
+  if (error) return waitAndConnect();
+  if (isConnectedToItself()) {
+    Error ignored;  // reset and not closed, or the port would be kept from the application a while
+    connection_.set_option(asio::socket_base::linger(true, 0), ignored);
+    return waitAndConnect();
+  }
   sendRequest();
 }
 
@@ -124,8 +129,10 @@ void NWConnectionBox::waitForMore() {
   });
 }
 
-/// On a busy machine the time may be up although more has come in meanwhile.
+/// Where this process did not run for a while, the time may be up although more has come in: it
+/// was received just now, and the time runs anew, or it waits to be.
 void NWConnectionBox::fellSilent() {
+  if (timer_.expiry() > UptimeClock::now()) return;
   Error ignored;
   if (connection_.available(ignored) > 0) return waitForMore();
   deliver();

@@ -7,11 +7,12 @@
 #include <optional>
 #include <system_error>
 
+#include <asio/basic_waitable_timer.hpp>
 #include <asio/io_context.hpp>
 #include <asio/ip/tcp.hpp>
-#include <asio/steady_timer.hpp>
 
 #include "bridge/reply.h"
+#include "bridge/uptime_clock.h"
 #include "json/text.h"
 
 namespace bridge {
@@ -59,7 +60,7 @@ class NWConnectionBox : public std::enable_shared_from_this<NWConnectionBox> {
 
   asio::ip::tcp::endpoint endpoint_;
   asio::ip::tcp::socket connection_;
-  asio::steady_timer timer_;
+  asio::basic_waitable_timer<UptimeClock> timer_;
   json::Text request_;
   std::size_t sentBytes_ = 0;
   Reply reply_;

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "bridge/nw_connection_box.h"
 #include "tests/unit/running_box.h"
@@ -106,21 +108,55 @@ TEST_F(NWConnectionBoxLife, CompletionRunsBeforeTheConnectionIsClosed) {
   EXPECT_TRUE(app.waitUntilClosedByServer(0));
 }
 
-// The silence is over and the rest is there when the box is run again.
-TEST_F(NWConnectionBoxLife, SilenceAndTheRestAtTheSameTimeAreOneDelivery) {
-  app.script({[](AppConnection& connection) {
-    connection.readRequest();
-    connection.write("{\"a\":");
-    connection.waitForRelease();
-    connection.write("1}");
-  }});
-  const auto box = start("{}");
-  ASSERT_TRUE(runUntil([&] { return app.waitUntilReceived(0, 2, 0ms); }));
-  runFor(20ms);
-  app.release();
-  std::this_thread::sleep_for(200ms);
-  runFor(300ms);
-  EXPECT_EQ(completions, 1);
+// A reply in pieces to a process that is stopped between them, or has to wait for its turn.
+class NWConnectionBoxNotRun : public NWConnectionBoxLife {
+ protected:
+  static constexpr auto longerThanAnySilence = 300ms;
+
+  std::shared_ptr<bridge::NWConnectionBox> startWithReplyIn(std::vector<std::string> pieces) {
+    app.script({[this, pieces](AppConnection& connection) {
+      connection.readRequest();
+      for (const std::string& piece : pieces) {
+        connection.waitForRelease();
+        connection.write(piece);
+        ++written;
+      }
+    }});
+    auto box = start("{}");
+    EXPECT_TRUE(runUntil([&] { return app.waitUntilReceived(0, 2, 0ms); }));
+    return box;
+  }
+
+  // Has a piece written, but runs nothing.
+  void releasePiece() {
+    const int before = written;
+    app.release();
+    while (written == before) std::this_thread::sleep_for(1ms);
+  }
+
+  std::atomic<int> written = 0;
+};
+
+TEST_F(NWConnectionBoxNotRun, SilenceAndTheRestAtTheSameTimeAreOneDelivery) {
+  const auto box = startWithReplyIn({R"({"a":)", "1}"});
+  releasePiece();
+  context.poll();
+  releasePiece();
+  std::this_thread::sleep_for(longerThanAnySilence);
+  context.poll();
+  ASSERT_EQ(completions, 1);
+  ASSERT_TRUE(reply && reply->isWhole());
+  EXPECT_EQ(replySize(), 7U);
+}
+
+TEST_F(NWConnectionBoxNotRun, SilenceBeforeAPieceIsNotTheSilenceAfterIt) {
+  const auto box = startWithReplyIn({R"({"a":)", "1"});
+  releasePiece();
+  context.poll();
+  releasePiece();
+  std::this_thread::sleep_for(longerThanAnySilence);
+  context.poll();
+  EXPECT_EQ(completions, 0);
 }
 
 TEST_F(NWConnectionBoxLife, TwoShareAThreadWithoutMixing) {

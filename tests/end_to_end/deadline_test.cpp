@@ -1,3 +1,4 @@
+#include <csignal>
 #include <thread>
 
 #include "tests/support/conversation.h"
@@ -88,13 +89,40 @@ TEST_F(Deadline, EndOfInputEndsTheProcessThoughAnExchangeIsAlive) {
 TEST_F(Deadline, ReplyThatIsStillComingInAtTheDeadlineIsUnreadable) {
   app.script({answer(), [](AppConnection& connection) {
                 connection.readRequest();
+                connection.write(std::string(20'000, ' '));  // pauses in it may be longer then
                 for (int i = 0; i < 3500; ++i) {
                   connection.write("{");
                   connection.pause(std::chrono::milliseconds(10));
                 }
               }});
-  EXPECT_EQ(callTool("x", json::object(), beyondTheLimit),
-            failure("Quillmark sent an unreadable reply."));
+  const auto start = Clock::now();
+  EXPECT_EQ(callTool("x", json::object(), beyondTheLimit), failure(unreadableReply));
+  EXPECT_GE(Seconds(Clock::now() - start), Seconds(30));
+}
+
+// Stopped by a debugger, say, or by a host that saves what it can.
+TEST_F(Deadline, ReplyThatCameWhileTheServerWasStoppedIsTaken) {
+  app.script({answer(), replyWhenReleased(R"({"ok":true,"result":["came"]})")});
+  say(toolCall(R"({"name":"x"})"));
+  ASSERT_TRUE(app.waitUntilReceived(1, 1));
+  ::kill(server->pid(), SIGSTOP);
+  app.release();
+  std::this_thread::sleep_for(31s);
+  ::kill(server->pid(), SIGCONT);
+  EXPECT_EQ(hear().at("result"), textResult("[\n  \"came\"\n]"));
+}
+
+TEST_F(Deadline, RequestIsNotDeliveredLateThoughTheServerWasStopped) {
+  app.script({answerThenStopListening(app)});
+  say(toolCall(R"({"name":"x"})"));
+  ASSERT_TRUE(app.waitUntilClosedByServer(0));
+  std::this_thread::sleep_for(1s);
+  ::kill(server->pid(), SIGSTOP);
+  app.listenAgain();
+  std::this_thread::sleep_for(30s);
+  ::kill(server->pid(), SIGCONT);
+  EXPECT_EQ(hear().at("result"), failure(noResponse));
+  EXPECT_FALSE(app.waitUntilReceived(1, 1, 2s));
 }
 
 TEST_F(Deadline, WaitingCostsNoProcessorTime) {
