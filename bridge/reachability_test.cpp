@@ -54,7 +54,7 @@ TEST_F(Reachable, SilenceIsNoAnswerAfterThreeSeconds) {
   const auto begun = Clock::now();
   EXPECT_FALSE(reachable());
   EXPECT_GE(Clock::now() - begun, 3s);
-  EXPECT_LT(Clock::now() - begun, 4s);
+  EXPECT_LT(Clock::now() - begun, 10s);
 }
 
 TEST(ReachableDeathTest, PortOutsideTheRangeEndsTheProcessWithoutAWord) {

@@ -53,7 +53,6 @@ TEST_F(WaitForAppClock, SetForwardDuringTheWaitEndsItAfterThePass) {
   const Seconds took = waitWhileClockIsSet(3600s, 1);
   EXPECT_EQ(looks, 2);
   EXPECT_GE(took, 0.39s) << "the sleep of that pass is not shortened";
-  EXPECT_LT(took, 1s);
 }
 
 TEST_F(WaitForAppClock, SetBackDuringTheWaitPutsItsEndOffByThatMuch) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -115,7 +116,7 @@ TEST_F(WaitForApp, LooksEveryFourTenthsOfASecondUntilTheTimeIsUp) {
 }
 
 TEST_F(WaitForApp, SleepIsNotShortenedByTheDeadline) {
-  EXPECT_FALSE(wait(0.05s));
+  EXPECT_FALSE(wait(0.2s));
   EXPECT_EQ(looks.size(), 1U);
   EXPECT_GE(took, 0.39s);
 }
@@ -142,10 +143,14 @@ TEST_F(WaitForApp, StaleEndpointIsReplacedByTheFreshOne) {
 }
 
 TEST_F(WaitForApp, AnswerInTheFirstPassCostsNoSleep) {
-  files = {std::nullopt, on(2000)};
   answering = 2000;
-  EXPECT_TRUE(wait(20s));
-  EXPECT_LT(took, 0.39s);
+  Seconds shortest = 1h;  // a busy machine may take its time, but not always
+  for (int i = 0; i < 5; ++i) {
+    files = {std::nullopt, on(2000)};
+    EXPECT_TRUE(wait(20s));
+    shortest = std::min(shortest, took);
+  }
+  EXPECT_LT(shortest, 0.39s);
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ class Value {
 
   /// The characters of a string; none if this is no string. An unpaired surrogate escape,
   /// which UTF-8 can't express, comes out as the three bytes that UTF-8's pattern would give
-  /// it, and quote() turns these into the escape again.
+  /// it, and appendQuoted() turns these into the escape again.
   [[nodiscard]] std::optional<std::string> string() const;
 
   /// The text of the token: a string's without its quotes and as it was written.

@@ -23,7 +23,6 @@ class MisbehavingApp {
   MisbehavingApp& operator=(const MisbehavingApp&) = delete;
 
   int port() const { return listener_.port(); }
-  std::size_t probes() const { return probes_; }
   std::size_t calls() const { return calls_; }
 
  private:
