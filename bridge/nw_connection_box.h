@@ -7,9 +7,9 @@
 #include <optional>
 #include <system_error>
 
-#include <asio/basic_waitable_timer.hpp>
 #include <asio/io_context.hpp>
 #include <asio/ip/tcp.hpp>
+#include <asio/steady_timer.hpp>
 
 #include "bridge/reply.h"
 #include "bridge/uptime_clock.h"

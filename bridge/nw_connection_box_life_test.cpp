@@ -113,7 +113,8 @@ class NWConnectionBoxNotRun : public NWConnectionBoxLife {
  protected:
   static constexpr auto longerThanAnySilence = 300ms;
 
-  std::shared_ptr<bridge::NWConnectionBox> startWithReplyIn(std::vector<std::string> pieces) {
+  std::shared_ptr<bridge::NWConnectionBox> startWithReplyIn(
+      const std::vector<std::string>& pieces) {
     app.script({[this, pieces](AppConnection& connection) {
       connection.readRequest();
       for (const std::string& piece : pieces) {

@@ -38,7 +38,7 @@ bool enterNetworkWithOnePort() {
   device.ifr_flags = static_cast<short>(device.ifr_flags | IFF_UP);
   if (::ioctl(socket, SIOCSIFFLAGS, &device) != 0) return false;
   std::ofstream ports("/proc/sys/net/ipv4/ip_local_port_range");
-  ports << port << ' ' << port << std::endl;
+  ports << port << ' ' << port << '\n' << std::flush;
   return ports.good();
 }
 
@@ -61,9 +61,10 @@ bool canBeListenedOn() {
 }
 
 /// What became of an exchange on that port.
-enum Finding : int { asItShould = 0, tookItselfForTheApplication, keptThePort, notTried };
+enum class Finding { asItShould, tookItselfForTheApplication, keptThePort, notTried };
 
 Finding exchangeWhereOneMeetsItself() {
+  using enum Finding;
   if (!enterNetworkWithOnePort() || !meetsItself()) return notTried;
   const bridge::Outcome outcome = bridge::exchange(port, asText("{}"), 1s);
   if (outcome.ended || outcome.reply) return tookItselfForTheApplication;
@@ -72,12 +73,13 @@ Finding exchangeWhereOneMeetsItself() {
 
 TEST(SelfConnection, IsNoApplicationAndKeepsNoPortFromIt) {
   const pid_t child = ::fork();
-  if (child == 0) std::_Exit(exchangeWhereOneMeetsItself());
+  if (child == 0) std::_Exit(static_cast<int>(exchangeWhereOneMeetsItself()));
   int status = 0;
   ASSERT_EQ(::waitpid(child, &status, 0), child);
   ASSERT_TRUE(WIFEXITED(status));
-  if (WEXITSTATUS(status) == notTried) GTEST_SKIP() << "no network of its own to be had";
-  EXPECT_EQ(WEXITSTATUS(status), asItShould);
+  const auto finding = static_cast<Finding>(WEXITSTATUS(status));
+  if (finding == Finding::notTried) GTEST_SKIP() << "no network of its own to be had";
+  EXPECT_EQ(finding, Finding::asItShould);
 }
 
 }  // namespace
