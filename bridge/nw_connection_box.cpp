@@ -1,6 +1,7 @@
 #include "bridge/nw_connection_box.h"
 
 #include <fcntl.h>
+#include <sys/socket.h>
 
 #include <algorithm>
 #include <chrono>
@@ -26,6 +27,13 @@ constexpr std::size_t smallReply = 16384;
 constexpr auto silenceAfterSmallReply = 50ms;
 constexpr auto silenceAfterBigReply = 250ms;
 
+/// A connection that met itself and is closed in the ordinary way would keep its port, which is
+/// the application's, for a minute. One that is broken off leaves nothing behind.
+void breakOffWhenClosed(int connection, bool on) {
+  const linger atOnce{.l_onoff = on ? 1 : 0, .l_linger = 0};
+  setsockopt(connection, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+}
+
 }  // namespace
 
 NWConnectionBox::NWConnectionBox(asio::io_context& context, std::uint16_t port)
@@ -42,6 +50,7 @@ void NWConnectionBox::connect() {
   connection_.open(endpoint_.protocol(), error);
   if (error) return finish(std::nullopt);
   fcntl(connection_.native_handle(), F_SETFD, FD_CLOEXEC);
+  breakOffWhenClosed(connection_.native_handle(), true);
   connection_.async_connect(endpoint_, [waiting = weak_from_this()](Error outcome) {
     if (const auto self = waiting.lock()) self->connected(outcome);
   });
@@ -51,12 +60,8 @@ void NWConnectionBox::connected(Error error) {
   // Accepted and thrown out at once: that is the end of an exchange, not an application to
   // wait for.
   if (error == asio::error::connection_reset) return finish(std::nullopt);
-  if (error) return waitAndConnect();
-  if (isConnectedToItself()) {
-    Error ignored;  // reset and not closed, or the port would be kept from the application a while
-    connection_.set_option(asio::socket_base::linger(true, 0), ignored);
-    return waitAndConnect();
-  }
+  if (error || isConnectedToItself()) return waitAndConnect();
+  breakOffWhenClosed(connection_.native_handle(), false);
   sendRequest();
 }
 

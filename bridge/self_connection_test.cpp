@@ -26,7 +26,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::uint16_t port = 40000;
+constexpr std::uint16_t onlyPort = 40000;
 
 /// A network with nothing but a loopback device, on which outgoing connections all get that one
 /// port. False if this process may not have one.
@@ -38,7 +38,7 @@ bool enterNetworkWithOnePort() {
   device.ifr_flags = static_cast<short>(device.ifr_flags | IFF_UP);
   if (::ioctl(socket, SIOCSIFFLAGS, &device) != 0) return false;
   std::ofstream ports("/proc/sys/net/ipv4/ip_local_port_range");
-  ports << port << ' ' << port << '\n' << std::flush;
+  ports << onlyPort << ' ' << onlyPort << '\n' << std::flush;
   return ports.good();
 }
 
@@ -46,7 +46,7 @@ bool meetsItself() {
   const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
   const linger atOnce{.l_onoff = 1, .l_linger = 0};
   ::setsockopt(socket, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
-  const sockaddr_in address = loopback(port);
+  const sockaddr_in address = loopback(onlyPort);
   const auto* const anyAddress = reinterpret_cast<const sockaddr*>(&address);
   const bool connected = ::connect(socket, anyAddress, sizeof address) == 0;
   ::close(socket);
@@ -55,18 +55,18 @@ bool meetsItself() {
 
 bool canBeListenedOn() {
   const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-  const sockaddr_in address = loopback(port);
+  const sockaddr_in address = loopback(onlyPort);
   return ::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
          ::listen(socket, 1) == 0;
 }
 
-/// What became of an exchange on that port.
+/// What became of an exchange there.
 enum class Finding { asItShould, tookItselfForTheApplication, keptThePort, notTried };
 
 Finding exchangeWhereOneMeetsItself() {
   using enum Finding;
   if (!enterNetworkWithOnePort() || !meetsItself()) return notTried;
-  const bridge::Outcome outcome = bridge::exchange(port, asText("{}"), 1s);
+  const bridge::Outcome outcome = bridge::exchange(onlyPort, asText("{}"), 1s);
   if (outcome.ended || outcome.reply) return tookItselfForTheApplication;
   return canBeListenedOn() ? asItShould : keptThePort;
 }
