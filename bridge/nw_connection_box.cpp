@@ -122,7 +122,8 @@ void NWConnectionBox::receive() {
 void NWConnectionBox::received(Error error, std::size_t count) {
   if (finished_) return;
   reply_.received(count);
-  if (error || reply_.isWhole() || reply_.left() == 0) return deliver();
+  const bool isAll = reply_.isWhole() && !moreHasCome();
+  if (error || isAll || reply_.left() == 0) return deliver();
   waitForMore();
   receive();
 }
@@ -138,9 +139,13 @@ void NWConnectionBox::waitForMore() {
 /// was received just now, and the time runs anew, or it waits to be.
 void NWConnectionBox::fellSilent() {
   if (timer_.expiry() > UptimeClock::now()) return;
-  Error ignored;
-  if (connection_.available(ignored) > 0) return waitForMore();
+  if (moreHasCome()) return waitForMore();
   deliver();
+}
+
+bool NWConnectionBox::moreHasCome() const {
+  Error error;
+  return connection_.available(error) > 0;
 }
 
 void NWConnectionBox::deliverWhatCame() {

@@ -55,6 +55,7 @@ class NWConnectionBox : public std::enable_shared_from_this<NWConnectionBox> {
   void received(Error error, std::size_t count);
   void waitForMore();
   void fellSilent();
+  [[nodiscard]] bool moreHasCome() const;
   void deliver();
   void finish(std::optional<Reply> reply);
 

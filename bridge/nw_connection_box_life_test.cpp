@@ -150,6 +150,16 @@ TEST_F(NWConnectionBoxNotRun, SilenceAndTheRestAtTheSameTimeAreOneDelivery) {
   EXPECT_EQ(replySize(), 7U);
 }
 
+TEST_F(NWConnectionBoxNotRun, WhatComesBehindAWholeMessageAtOnceIsPartOfTheReply) {
+  const std::string text = "{}" + std::string(40'000, ' ') + "x";
+  const auto box = startWithReplyIn({text});
+  releasePiece();
+  ASSERT_TRUE(runUntilEnded());
+  ASSERT_TRUE(reply);
+  EXPECT_EQ(replySize(), text.size());
+  EXPECT_FALSE(reply->isWhole());
+}
+
 TEST_F(NWConnectionBoxNotRun, SilenceBeforeAPieceIsNotTheSilenceAfterIt) {
   const auto box = startWithReplyIn({R"({"a":)", "1"});
   releasePiece();
