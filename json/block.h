@@ -1,7 +1,7 @@
 #pragma once
 
-// A few bytes looked at in one go, sixteen where the processor can. This is the only file with
-// code for particular processors; the last branch is the same in plain C++.
+// Sixteen bytes looked at in one go. This is the only file with code for particular processors;
+// the last branch is the same in plain C++.
 
 #include <algorithm>
 #include <array>
@@ -19,8 +19,10 @@
 
 namespace json {
 
+inline constexpr std::ptrdiff_t blockSize = 16;
+
 // What every branch has:
-//   blockSize               how many bytes a Block holds
+//   Block                   that many bytes
 //   loadBlock, storeBlock   at any address
 //   equal, controls, unprintable,
 //   either, differing       Blocks in which a byte is marked if it is what the name says
@@ -29,7 +31,6 @@ namespace json {
 
 #if defined(__SSE2__)
 
-inline constexpr std::ptrdiff_t blockSize = 16;
 using Block = __m128i;
 
 inline Block loadBlock(const char* from) {
@@ -74,7 +75,6 @@ std::uint64_t marksIn64(const char* from, Mark mark) {
 
 #elif defined(__aarch64__) && defined(__ARM_NEON)
 
-inline constexpr std::ptrdiff_t blockSize = 16;
 using Block = uint8x16_t;
 
 inline Block loadBlock(const char* from) {
@@ -123,7 +123,6 @@ std::uint64_t marksIn64(const char* from, Mark mark) {
 
 #else
 
-inline constexpr std::ptrdiff_t blockSize = 16;
 using Block = std::array<unsigned char, blockSize>;
 
 inline Block loadBlock(const char* from) {
