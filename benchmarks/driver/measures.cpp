@@ -123,10 +123,7 @@ std::vector<MeasureKind> measureKinds() {
       {"start to first reply (initialize)", Unit::time, startToFirstReply},
       {"tools/list round trip", Unit::time, toolsList}};
   for (const NamedCall& named : namedCalls()) {
-    const auto take = [named](Setting& setting) {
-      const Placement placement(setting.application.thread());
-      return toolCall(setting, named);
-    };
+    const auto take = [named](Setting& setting) { return toolCall(setting, named); };
     kinds.push_back({named.what, Unit::time, take});
   }
   kinds.push_back({"resident memory, idle", Unit::memory, idleMemory});
