@@ -135,16 +135,22 @@ class NWConnectionBoxNotRun : public NWConnectionBoxLife {
     while (written == before) std::this_thread::sleep_for(1ms);
   }
 
+  // Has the first piece received, and then runs nothing until the second is there and any
+  // silence is over.
+  void receiveAPieceAndThenDoNotRun() {
+    releasePiece();
+    context.poll();
+    releasePiece();
+    std::this_thread::sleep_for(longerThanAnySilence);
+    context.poll();
+  }
+
   std::atomic<int> written = 0;
 };
 
 TEST_F(NWConnectionBoxNotRun, SilenceAndTheRestAtTheSameTimeAreOneDelivery) {
   const auto box = startWithReplyIn({R"({"a":)", "1}"});
-  releasePiece();
-  context.poll();
-  releasePiece();
-  std::this_thread::sleep_for(longerThanAnySilence);
-  context.poll();
+  receiveAPieceAndThenDoNotRun();
   ASSERT_EQ(completions, 1);
   ASSERT_TRUE(reply && reply->isWhole());
   EXPECT_EQ(replySize(), 7U);
@@ -162,11 +168,7 @@ TEST_F(NWConnectionBoxNotRun, WhatComesBehindAWholeMessageAtOnceIsPartOfTheReply
 
 TEST_F(NWConnectionBoxNotRun, SilenceBeforeAPieceIsNotTheSilenceAfterIt) {
   const auto box = startWithReplyIn({R"({"a":)", "1"});
-  releasePiece();
-  context.poll();
-  releasePiece();
-  std::this_thread::sleep_for(longerThanAnySilence);
-  context.poll();
+  receiveAPieceAndThenDoNotRun();
   EXPECT_EQ(completions, 0);
 }
 

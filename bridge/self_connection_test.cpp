@@ -1,6 +1,5 @@
 #ifdef __linux__
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <net/if.h>
 #include <netinet/in.h>
@@ -17,6 +16,7 @@
 #include "bridge/exchange.h"
 #include "tests/support/loopback_listener.h"
 #include "tests/support/sanitizers.h"
+#include "tests/support/socket_io.h"
 #include "tests/unit/as_text.h"
 
 // That sanitizer ends a forked process which starts a thread.
@@ -44,8 +44,7 @@ bool enterNetworkWithOnePort() {
 
 bool meetsItself() {
   const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-  const linger atOnce{.l_onoff = 1, .l_linger = 0};
-  ::setsockopt(socket, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+  resetWhenClosed(socket);
   const sockaddr_in address = loopback(onlyPort);
   const auto* const anyAddress = reinterpret_cast<const sockaddr*>(&address);
   const bool connected = ::connect(socket, anyAddress, sizeof address) == 0;

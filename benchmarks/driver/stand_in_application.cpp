@@ -7,16 +7,9 @@
 #include <system_error>
 
 #include "tests/support/request_end.h"
+#include "tests/support/socket_io.h"
 
 namespace {
-
-void sendAll(int connection, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::send(connection, bytes.data(), bytes.size(), 0);
-    if (count <= 0) return;  // the client has gone; its answer will tell
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-}
 
 pollfd readable(int descriptor) {
   return {.fd = descriptor, .events = POLLIN, .revents = 0};

@@ -10,6 +10,7 @@
 
 #include "tests/support/conversation.h"
 #include "tests/support/request_end.h"
+#include "tests/support/socket_io.h"
 
 namespace {
 
@@ -50,14 +51,6 @@ std::vector<Behaviour> allBehaviours() {
           unreadable("deep", R"({"ok":true,"result":)" + nestedArrays(1500) + "}")};
 }
 
-void writeAll(int connection, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t sent = ::send(connection, bytes.data(), bytes.size(), 0);
-    if (sent <= 0) return;
-    bytes.remove_prefix(static_cast<std::size_t>(sent));
-  }
-}
-
 // The whole request, or what came of it.
 std::string readRequest(int connection) {
   std::string request;
@@ -70,11 +63,6 @@ std::string readRequest(int connection) {
     request += piece;
     if (end.reachedBy(piece)) return request;
   }
-}
-
-void breakOff(int connection) {
-  const linger atOnce{.l_onoff = 1, .l_linger = 0};
-  ::setsockopt(connection, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
 }
 
 }  // namespace
@@ -108,11 +96,11 @@ void MisbehavingApp::serve() {
 void MisbehavingApp::answer(int connection) {
   const json request = json::parse(readRequest(connection));
   if (request.at("tool") == "drive_status") {
-    if (failsProbes_ && ++probes_ % 1000 == 0) return breakOff(connection);
-    return writeAll(connection, behaviour("small").reply);
+    if (failsProbes_ && ++probes_ % 1000 == 0) return resetWhenClosed(connection);
+    return sendAll(connection, behaviour("small").reply);
   }
   ++calls_;
   const Behaviour& wanted = behaviour(request.at("arguments").at("do").get<std::string>());
-  if (wanted.name == "reset") return breakOff(connection);
-  writeAll(connection, wanted.reply);
+  if (wanted.name == "reset") return resetWhenClosed(connection);
+  sendAll(connection, wanted.reply);
 }

@@ -6,6 +6,8 @@
 
 #include <vector>
 
+#include "tests/support/socket_io.h"
+
 AppConnection::AppConnection(int socket, AppState& state, std::size_t index)
     : socket_(socket), state_(state), index_(index) {}
 
@@ -59,11 +61,7 @@ void AppConnection::readAtLeast(std::size_t bytes) {
 }
 
 void AppConnection::write(std::string_view bytes) {
-  while (socket_ >= 0 && !bytes.empty()) {
-    const ssize_t sent = ::send(socket_, bytes.data(), bytes.size(), 0);
-    if (sent <= 0) return;
-    bytes.remove_prefix(static_cast<std::size_t>(sent));
-  }
+  if (socket_ >= 0) sendAll(socket_, bytes);
 }
 
 void AppConnection::pause(Duration time) {
@@ -87,8 +85,7 @@ void AppConnection::hangUp() {
 }
 
 void AppConnection::reset() {
-  const linger atOnce{.l_onoff = 1, .l_linger = 0};
-  if (socket_ >= 0) ::setsockopt(socket_, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+  if (socket_ >= 0) resetWhenClosed(socket_);
   hangUp();
 }
 
