@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "benchmarks/driver/payloads.h"
-#include "json/layout.h"
 #include "json/reader.h"
+#include "json/writer.h"
 
 namespace {
 
@@ -31,13 +31,13 @@ void read(benchmark::State& state) {
   countBytes(state, text.size());
 }
 
-template <void (*append)(json::Text&, json::Value)>
+template <void (*append)(common::Bytes&, json::Value)>
 void layOut(benchmark::State& state) {
   const std::string& text = message(state.range(0) != 0);
   const std::optional<json::Document> document = json::read(text);
   if (!document) return state.SkipWithError("the message is not one");
   while (state.KeepRunning()) {
-    json::Text out;
+    common::Bytes out;
     append(out, document->root());
     benchmark::DoNotOptimize(out.view().data());
   }
@@ -47,7 +47,7 @@ void layOut(benchmark::State& state) {
 void quote(benchmark::State& state) {
   const std::string& text = message(state.range(0) != 0);
   while (state.KeepRunning()) {
-    json::Text out;
+    common::Bytes out;
     json::appendQuoted(out, text);
     benchmark::DoNotOptimize(out.view().data());
   }

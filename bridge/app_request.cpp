@@ -2,12 +2,12 @@
 
 #include <string>
 
-#include "json/layout.h"
+#include "json/writer.h"
 
 namespace bridge {
 
-json::Text appRequest(const Endpoint& endpoint, std::string_view tool, json::Value arguments) {
-  json::Text request;
+common::Bytes appRequest(const Endpoint& endpoint, std::string_view tool, json::Value arguments) {
+  common::Bytes request;
   request.append(R"({"version":)").append(std::to_string(endpoint.version));
   request.append(R"(,"token":)");
   json::appendQuoted(request, endpoint.token);

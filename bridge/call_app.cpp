@@ -1,5 +1,7 @@
 #include "bridge/call_app.h"
 
+#include <utf8.h>
+
 #include <chrono>
 #include <optional>
 #include <utility>
@@ -46,7 +48,10 @@ CallResult callResult(Outcome outcome) {
     return AppResult(std::move(*outcome.reply), std::move(*document), result);
   }
   const auto error = reply.member("error");
-  if (auto message = error ? error->string() : std::nullopt) return failure(std::move(*message));
+  if (const auto message = error ? error->string() : std::nullopt) {
+    // Strict hosts reject a whole line for an unpaired surrogate.
+    return failure(utf8::replace_invalid(*message));
+  }
   return failure("Quillmark refused the request.");
 }
 

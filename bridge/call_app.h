@@ -3,6 +3,7 @@
 #include <expected>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "bridge/exchange.h"
 #include "bridge/reply.h"
@@ -10,20 +11,18 @@
 
 namespace bridge {
 
-/// Why a tool call failed: a complete sentence that the agent is shown as it stands, UTF-8 as
-/// Value::string() gives it.
+/// Why a tool call failed.
 struct BridgeFailure {
-  std::string message;
+  std::string message;  ///< a complete sentence for the agent, well-formed UTF-8
 };
 
-/// What the application made of a successful call; it owns the bytes of the reply that the
-/// value points into.
+/// The result of a successful call. Owns the bytes of the reply that the value points into.
 class AppResult {
  public:
   AppResult(Reply reply, json::Document document, json::Value value)
       : reply_(std::move(reply)), document_(std::move(document)), value_(value) {}
 
-  /// Any JSON value. Valid as long as this result.
+  /// Any JSON value. Valid as long as this object, which may be moved.
   [[nodiscard]] json::Value value() const { return value_; }
 
  private:
@@ -34,13 +33,13 @@ class AppResult {
 
 using CallResult = std::expected<AppResult, BridgeFailure>;
 
-/// Has the desktop application carry out a tool call: makes sure that it runs and answers (see
-/// waitForApp(); up to 20 seconds after a first probe of 3, and a last one), sends it the call,
-/// and waits up to 30 seconds for what it says. Neither the tool's name nor the arguments, an
-/// object, are looked at. Blocks; main thread only.
+/// Forwards a tool call to the desktop application and returns its answer. Makes sure first that
+/// the application answers (see waitForApp()), then waits up to 30 seconds for the reply. Neither
+/// the tool's name nor the arguments, an object, are checked. Blocks for up to 57 seconds; for the
+/// main thread only.
 CallResult callApp(std::string_view tool, json::Value arguments);
 
-/// The result of a call whose exchange came out like that.
+/// Converts an exchange's outcome into the call's result.
 CallResult callResult(Outcome outcome);
 
 }  // namespace bridge

@@ -8,8 +8,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "json/layout.h"
 #include "json/reader.h"
+#include "json/writer.h"
 #include "tests/support/scripts.h"
 #include "tests/unit/published_home.h"
 #include "tests/unit/reply_of.h"
@@ -22,7 +22,7 @@ constexpr std::string_view refused = "Quillmark refused the request.";
 /// The result as text: the value's compact layout, or "failure: " and the message.
 std::string told(const bridge::CallResult& result) {
   if (!result) return "failure: " + result.error().message;
-  json::Text text;
+  common::Bytes text;
   json::appendCompact(text, result->value());
   return std::string(text.view());
 }
@@ -76,6 +76,12 @@ TEST(CallResult, ErrorTextIsTheMessageAsItIs) {
   EXPECT_EQ(resultOf(R"({"error":"The drive is gone."})"), failure("The drive is gone."));
   EXPECT_EQ(resultOf(R"({"ok":false,"error":" a\/b\n\u00e9 "})"), failure(" a/b\n\xC3\xA9 "));
   EXPECT_EQ(resultOf(R"({"ok":null,"error":"x","result":{}})"), failure("x"));
+}
+
+TEST(CallResult, UnpairedSurrogatesInAnErrorBecomeReplacementCharacters) {
+  EXPECT_EQ(resultOf(R"({"error":"a\ud800\udbff\udfff\udc00b\ud83d\ude00"})"),
+            failure("a\xEF\xBF\xBD\xF4\x8F\xBF\xBF\xEF\xBF\xBD"
+                    "b\xF0\x9F\x98\x80"));
 }
 
 TEST(CallResult, EmptyErrorIsAnEmptyMessage) {

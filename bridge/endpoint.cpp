@@ -1,62 +1,62 @@
 #include "bridge/endpoint.h"
 
 #include <fcntl.h>
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
+#include <cstddef>
+#include <utility>
 
+#include "bridge/home_directory.h"
+#include "common/bytes.h"
 #include "json/reader.h"
-#include "json/text.h"
 
 namespace bridge {
 namespace {
 
-std::string homeDirectory() {
-  if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') return home;
-  const passwd* user = getpwuid(getuid());
-  return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "";
-}
-
-class OpenFile {
+class File {
  public:
-  /// Opening must not wait: a named pipe in the file's place would block for ever.
-  explicit OpenFile(const std::string& path)
+  /// O_NONBLOCK because opening a named pipe in the file's place would wait for ever.
+  explicit File(const std::string& path)
       : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
-  OpenFile(const OpenFile&) = delete;
-  OpenFile& operator=(const OpenFile&) = delete;
-  ~OpenFile() {
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+  ~File() {
     if (descriptor_ >= 0) close(descriptor_);
   }
 
-  /// Everything in it; none if it is no regular file, can't be read, or changes meanwhile.
-  [[nodiscard]] std::optional<json::Text> contents() const {
-    auto text = readOnce();
-    const auto again = readOnce();
-    if (!text || !again || text->view() != again->view()) return std::nullopt;
-    return text;
+  /// The whole contents; none if they cannot be read, are too long, or are being changed.
+  ///
+  /// Two single reads must agree. The application may overwrite the file while it is read, and then
+  /// the bytes can be a mixture of two versions, the port of one and the token of the other.
+  [[nodiscard]] std::optional<common::Bytes> contents() const {
+    const auto size = this->size();
+    if (!size) return std::nullopt;
+    auto bytes = read(*size + 1);
+    const auto again = read(*size + 1);
+    if (!bytes || !again || bytes->view() != again->view()) return std::nullopt;
+    return bytes->size() <= *size ? std::move(bytes) : std::nullopt;
   }
 
  private:
-  /// In a single read: between two of them, an application that writes its file anew could put
-  /// the end of one text behind the beginning of another. Even one read of a long file may mix
-  /// them, so two have to agree.
-  [[nodiscard]] std::optional<json::Text> readOnce() const {
+  [[nodiscard]] std::optional<std::size_t> size() const {
+    constexpr off_t mostBytes = off_t{16} << 20U;
     struct stat status{};
-    if (descriptor_ < 0 || fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) {
-      return std::nullopt;
-    }
-    const std::size_t room = static_cast<std::size_t>(status.st_size) + 1;
-    json::Text text;
+    if (descriptor_ < 0 || fstat(descriptor_, &status) != 0) return std::nullopt;
+    if (!S_ISREG(status.st_mode) || status.st_size > mostBytes) return std::nullopt;
+    return static_cast<std::size_t>(status.st_size);
+  }
+
+  [[nodiscard]] std::optional<common::Bytes> read(std::size_t most) const {
+    common::Bytes bytes;
     ssize_t count = 0;
     do {
-      count = pread(descriptor_, text.room(room), room, 0);
+      count = pread(descriptor_, bytes.room(most), most, 0);
     } while (count < 0 && errno == EINTR);
     if (count < 0) return std::nullopt;
-    text.commit(static_cast<std::size_t>(count));
-    return text;
+    bytes.commit(static_cast<std::size_t>(count));
+    return bytes;
   }
 
   int descriptor_;
@@ -69,18 +69,18 @@ std::optional<Endpoint> decode(json::Value object) {
   if (!version || !port || !token) return std::nullopt;
   const auto versionNumber = version->integer();
   const auto portNumber = port->integer();
-  auto characters = token->string();
-  if (!versionNumber || !portNumber || !characters) return std::nullopt;
-  return Endpoint{*versionNumber, *portNumber, std::move(*characters)};
+  auto text = token->string();
+  if (!versionNumber || !portNumber || !text) return std::nullopt;
+  return Endpoint{*versionNumber, *portNumber, std::move(*text)};
 }
 
 }  // namespace
 
 std::optional<Endpoint> Endpoint::load() {
-  const OpenFile file(homeDirectory() + "/Library/Application Support/Quillmark/agent.json");
-  const auto text = file.contents();
-  if (!text) return std::nullopt;
-  const auto document = json::read(text->view());
+  const File file(homeDirectory() + "/Library/Application Support/Quillmark/agent.json");
+  const auto bytes = file.contents();
+  if (!bytes) return std::nullopt;
+  const auto document = json::read(bytes->view());
   return document ? decode(document->root()) : std::nullopt;
 }
 

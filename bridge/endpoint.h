@@ -6,15 +6,14 @@
 
 namespace bridge {
 
-/// Where and how to reach the desktop application, as it publishes it in its endpoint file.
+/// How to reach the desktop application, as it publishes it in its endpoint file.
 struct Endpoint {
-  std::int64_t version;  ///< passed back to the application as it is
-  std::int64_t port;     ///< on the IPv4 loopback address; any integer until a connection is made
-  std::string token;     ///< what every request must carry; never shown to anyone else
+  std::int64_t version;  ///< sent back to the application unchanged
+  std::int64_t port;     ///< on the IPv4 loopback address; checked when a connection is made
+  std::string token;     ///< part of every request, shown to nobody else
 
-  /// Reads the endpoint file of the user, afresh at every call. None if it is missing, can't
-  /// be read, or is anything but an object with the integers "version" and "port" and the
-  /// string "token", further members aside.
+  /// Reads the user's endpoint file, anew on each call. None unless it is a file of at most 16 MiB
+  /// that holds a JSON object with the integers "version" and "port" and the string "token".
   static std::optional<Endpoint> load();
 };
 

@@ -141,6 +141,20 @@ TEST(Endpoint, FileMayBeLongAndEndInALineFeed) {
                      "\n"));
 }
 
+TEST(Endpoint, FileAbove16MebibytesIsNoEndpoint) {
+  constexpr std::size_t mostBytes = std::size_t{16} << 20U;
+  const std::string usable = EndpointFile::text(50123);
+  EXPECT_TRUE(loaded(usable + std::string(mostBytes - usable.size(), ' ')));
+  EXPECT_FALSE(loaded(usable + std::string(mostBytes - usable.size() + 1, ' ')));
+}
+
+TEST(Endpoint, SparseFileOf64GibibytesIsNoEndpointAndNothingIsAllocated) {
+  const PublishedHome home;
+  home.file().publish(50123);
+  std::filesystem::resize_file(home.file().path(), std::uintmax_t{64} << 30U);
+  EXPECT_FALSE(bridge::Endpoint::load());
+}
+
 TEST(Endpoint, IsReadAfreshEachTime) {
   const PublishedHome home;
   home.file().publish(1000, "first", 1);

@@ -4,9 +4,9 @@
 #include <limits>
 #include <memory>
 #include <system_error>
+#include <thread>
 #include <utility>
 
-#include "bridge/exchange_loop.h"
 #include "bridge/nw_connection_box.h"
 #include "bridge/uptime_clock.h"
 
@@ -18,40 +18,27 @@ std::uint16_t tcpPort(std::int64_t port) {
   return static_cast<std::uint16_t>(port);
 }
 
-/// For a caller whose time is up. A request that nobody has taken is forgotten; of a reply all
-/// that has come is delivered, also what came while this process did not run.
-void giveUp(ExchangeLoop::Turn& turn, std::shared_ptr<NWConnectionBox> box) {
-  const std::weak_ptr<NWConnectionBox> connected = box;
-  box.reset();
-  turn.runReady();
-  if (const auto open = connected.lock()) open->deliverWhatCame();
-}
-
-Outcome exchangeOn(ExchangeLoop& loop, std::uint16_t port, json::Text request,
-                   std::chrono::seconds limit) {
-  ExchangeLoop::Turn turn(loop);
-  // Held by the completion too: a late one writes where nobody reads any more.
-  const auto outcome = std::make_shared<Outcome>();
-  auto box = std::make_shared<NWConnectionBox>(turn.context(), port);
-  const auto deadline = UptimeClock::now() + limit;
-  box->send(std::move(request), [outcome](std::optional<Reply> reply) {
-    outcome->reply = std::move(reply);
-    outcome->ended = true;
-  });
-  turn.runUntil(deadline, outcome->ended);
-  if (!outcome->ended) giveUp(turn, std::move(box));
-  return std::move(*outcome);
+/// Carries on an exchange that nobody waits for. It closes when a late reply or the connection's
+/// end arrives, or at once if no thread can be started.
+void finishInBackground(std::unique_ptr<NWConnectionBox> box) {
+  try {
+    std::thread([box = std::move(box)] { box->send(UptimeClock::time_point::max()); }).detach();
+  } catch (const std::system_error&) {
+  }
 }
 
 }  // namespace
 
-Outcome exchange(std::int64_t port, json::Text request, std::chrono::seconds limit) {
-  const std::uint16_t checkedPort = tcpPort(port);
-  try {
-    return exchangeOn(ExchangeLoop::shared(), checkedPort, std::move(request), limit);
-  } catch (const std::system_error&) {
-    return {.ended = true, .reply = std::nullopt};  // no descriptors left for the loop itself
+Outcome exchange(std::int64_t port, common::Bytes request, std::chrono::seconds limit) {
+  auto box = std::make_unique<NWConnectionBox>(tcpPort(port), std::move(request));
+  const bool finished = box->send(UptimeClock::now() + limit);
+  Outcome outcome{.ended = finished, .reply = box->takeReply()};
+  if (outcome.reply) outcome.ended = true;
+  // A request that never connected is dropped: it must not be sent later.
+  if (!outcome.ended && box->state() != NWConnectionBox::State::connecting) {
+    finishInBackground(std::move(box));
   }
+  return outcome;
 }
 
 }  // namespace bridge

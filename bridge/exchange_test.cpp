@@ -13,7 +13,7 @@
 
 #include "tests/support/sanitizers.h"
 #include "tests/support/scripts.h"
-#include "tests/unit/as_text.h"
+#include "tests/unit/as_bytes.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ class Exchange : public testing::Test {
 
   Outcome exchange(std::chrono::seconds limit, std::string_view request = "{}") {
     const auto begun = Clock::now();
-    Outcome outcome = bridge::exchange(app.port(), asText(request), limit);
+    Outcome outcome = bridge::exchange(app.port(), asBytes(request), limit);
     took = Clock::now() - begun;
     return outcome;
   }
@@ -70,7 +70,7 @@ TEST_F(Exchange, EndsWithNoneWhenNoDescriptorIsLeft) {
   const auto withoutDescriptors = [port = app.port()] {
     const rlimit none{.rlim_cur = 3, .rlim_max = 3};
     ::setrlimit(RLIMIT_NOFILE, &none);
-    const Outcome outcome = bridge::exchange(port, asText("{}"), 30s);
+    const Outcome outcome = bridge::exchange(port, asBytes("{}"), 30s);
     std::_Exit(outcome.ended && !outcome.reply ? 0 : 1);
   };
   EXPECT_EXIT(withoutDescriptors(), testing::ExitedWithCode(0), "^$");
@@ -182,7 +182,7 @@ TEST_F(Exchange, ManyAbandonedOnesEndEachByItself) {
 }
 
 TEST(ExchangeOnPortZero, IsRefusedUntilTheLimit) {
-  const Outcome outcome = bridge::exchange(0, asText("{}"), 1s);
+  const Outcome outcome = bridge::exchange(0, asBytes("{}"), 1s);
   EXPECT_FALSE(outcome.ended);
   EXPECT_FALSE(outcome.reply);
 }
@@ -190,7 +190,7 @@ TEST(ExchangeOnPortZero, IsRefusedUntilTheLimit) {
 void exchangeWithAllOutputSeen(std::int64_t port) {
   std::fflush(stdout);  // what the test program itself has said so far
   dup2(STDERR_FILENO, STDOUT_FILENO);
-  bridge::exchange(port, asText("{}"), 1s);
+  bridge::exchange(port, asBytes("{}"), 1s);
 }
 
 TEST(ExchangeDeathTest, PortOutsideTheRangeEndsTheProcessWithoutAWord) {

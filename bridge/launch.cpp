@@ -12,9 +12,31 @@ extern char** environ;  // NOLINT(readability-redundant-declaration): not every 
 namespace bridge {
 namespace {
 
-class SpawnAttributes {
+#ifdef __APPLE__
+
+constexpr short systemFlags = POSIX_SPAWN_CLOEXEC_DEFAULT;  // closes all that is not inherited
+
+void inheritStandardStreamsOnly(posix_spawn_file_actions_t* actions) {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) != -1) posix_spawn_file_actions_addinherit_np(actions, stream);
+  }
+}
+
+#else
+
+constexpr short systemFlags = 0;
+
+void inheritStandardStreamsOnly(posix_spawn_file_actions_t* actions) {
+  posix_spawn_file_actions_addclosefrom_np(actions, STDERR_FILENO + 1);
+}
+
+#endif
+
+/// How the child starts: default signal handling, no signal blocked, and no descriptors but the
+/// standard streams, not even those that this process got from a careless parent.
+class SpawnSettings {
  public:
-  SpawnAttributes() {
+  SpawnSettings() {
     sigset_t none;
     sigset_t all;
     sigemptyset(&none);
@@ -22,49 +44,27 @@ class SpawnAttributes {
     posix_spawnattr_init(&attributes_);
     posix_spawnattr_setsigmask(&attributes_, &none);
     posix_spawnattr_setsigdefault(&attributes_, &all);
+    constexpr short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | systemFlags;
     posix_spawnattr_setflags(&attributes_, flags);
-  }
-  SpawnAttributes(const SpawnAttributes&) = delete;
-  SpawnAttributes& operator=(const SpawnAttributes&) = delete;
-  ~SpawnAttributes() { posix_spawnattr_destroy(&attributes_); }
-
-  [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
-
- private:
-#ifdef __APPLE__
-  static constexpr short flags =
-      POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_CLOEXEC_DEFAULT;
-#else
-  static constexpr short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
-#endif
-  posix_spawnattr_t attributes_;
-};
-
-/// Leaves the child its standard streams and closes everything else, also what this process
-/// was itself given by a careless parent.
-class StandardStreamsOnly {
- public:
-  StandardStreamsOnly() {
     posix_spawn_file_actions_init(&actions_);
-#ifdef __APPLE__
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-      if (fcntl(stream, F_GETFD) != -1) posix_spawn_file_actions_addinherit_np(&actions_, stream);
-    }
-#else
-    posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
-#endif
+    inheritStandardStreamsOnly(&actions_);
   }
-  StandardStreamsOnly(const StandardStreamsOnly&) = delete;
-  StandardStreamsOnly& operator=(const StandardStreamsOnly&) = delete;
-  ~StandardStreamsOnly() { posix_spawn_file_actions_destroy(&actions_); }
+  SpawnSettings(const SpawnSettings&) = delete;
+  SpawnSettings& operator=(const SpawnSettings&) = delete;
+  ~SpawnSettings() {
+    posix_spawn_file_actions_destroy(&actions_);
+    posix_spawnattr_destroy(&attributes_);
+  }
 
-  [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
+  [[nodiscard]] const posix_spawnattr_t* attributes() const { return &attributes_; }
+  [[nodiscard]] const posix_spawn_file_actions_t* actions() const { return &actions_; }
 
  private:
+  posix_spawnattr_t attributes_;
   posix_spawn_file_actions_t actions_;
 };
 
-/// Nobody waits for the child: let the system reap it when it ends.
+/// Nobody waits for the child. With SIGCHLD ignored, the system reaps it.
 void leaveChildrenToTheSystem() {
   struct sigaction ignore{};
   ignore.sa_handler = SIG_IGN;
@@ -81,11 +81,10 @@ bool launchApp() {
   const std::array<char*, 5> arguments{program.data(), background.data(), byBundle.data(),
                                        application.data(), nullptr};
   leaveChildrenToTheSystem();
-  const SpawnAttributes attributes;
-  const StandardStreamsOnly streams;
+  const SpawnSettings settings;
   pid_t child = 0;
-  return posix_spawn(&child, program.data(), streams.get(), attributes.get(), arguments.data(),
-                     environ) == 0;
+  return posix_spawn(&child, program.data(), settings.actions(), settings.attributes(),
+                     arguments.data(), environ) == 0;
 }
 
 }  // namespace bridge

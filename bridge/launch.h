@@ -2,11 +2,11 @@
 
 namespace bridge {
 
-/// Starts the desktop application in the background, through the system's `open` tool.
+/// Starts the desktop application in the background with the system's `open` tool. False if the
+/// tool cannot be started; whether it succeeds is not observed.
 ///
-/// The child gets this process's environment, working directory and standard streams, no other
-/// descriptor, and default signal handling. It is never waited for, and the system reaps it.
-/// False if it can't be started; what becomes of it is not observed.
+/// The child inherits the environment, the working directory and the standard streams, no other
+/// descriptor, and default signal handling. Nobody waits for it; the system reaps it.
 bool launchApp();
 
 }  // namespace bridge

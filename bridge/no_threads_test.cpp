@@ -18,7 +18,7 @@
 #include "bridge/exchange.h"
 #include "bridge/launch.h"
 #include "tests/support/scripts.h"
-#include "tests/unit/as_text.h"
+#include "tests/unit/as_bytes.h"
 
 namespace {
 
@@ -52,7 +52,7 @@ class NoThreads : public testing::Test {
 TEST_F(NoThreads, ExchangeBringsItsReply) {
   const auto exchange = [port = app.port()] {
     if (!giveUpThreads()) std::_Exit(notTried);
-    const bridge::Outcome outcome = bridge::exchange(port, asText("{}"), 30s);
+    const bridge::Outcome outcome = bridge::exchange(port, asBytes("{}"), 30s);
     std::_Exit(outcome.ended && outcome.reply ? 0 : 1);
   };
   EXPECT_EXIT(exchange(), testing::ExitedWithCode(0), "^$");
@@ -62,8 +62,8 @@ TEST_F(NoThreads, AbandonedExchangeDoesNotHarmTheNextOne) {
   app.script({replyWhenReleased("{}")});
   const auto exchanges = [this] {
     if (!giveUpThreads()) std::_Exit(notTried);
-    if (bridge::exchange(app.port(), asText("{}"), 1s).ended) std::_Exit(1);
-    const bridge::Outcome next = bridge::exchange(app.port(), asText("{}"), 30s);
+    if (bridge::exchange(app.port(), asBytes("{}"), 1s).ended) std::_Exit(1);
+    const bridge::Outcome next = bridge::exchange(app.port(), asBytes("{}"), 30s);
     std::_Exit(next.ended && next.reply ? 0 : 2);
   };
   EXPECT_EXIT(exchanges(), testing::ExitedWithCode(0), "^$");

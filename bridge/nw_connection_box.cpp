@@ -1,14 +1,10 @@
 #include "bridge/nw_connection_box.h"
 
-#include <fcntl.h>
-#include <sys/socket.h>
-
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
-#include <utility>
-
-#include <asio/buffer.hpp>
-#include <asio/error.hpp>
+#include <string_view>
+#include <thread>
 
 namespace bridge {
 namespace {
@@ -18,151 +14,106 @@ using namespace std::chrono_literals;
 /// Between two attempts to connect to an application that does not listen (yet).
 constexpr auto retryPause = 20ms;
 
-/// Most replies are small; one that fills this much is a big one.
-constexpr std::size_t smallReply = 16384;
+/// Most replies are smaller. The first piece of a bigger one is bigger, too: loopback segments
+/// carry 16,332 bytes on macOS and more on Linux.
+constexpr std::size_t smallReply = 8192;
 
-/// The application writes its reply at once, but the system may hand it over in pieces: this
-/// long a silence after a piece means that there is no more of it. The writer of a big reply is
-/// stopped again and again in the middle, and on a busy machine has to wait for its turn.
+/// The application writes its reply at once, but it may arrive in pieces. A silence of this length
+/// ends the reply. The writer of a big reply is blocked again and again, and on a busy machine it
+/// has to wait for its turn.
 constexpr auto silenceAfterSmallReply = 50ms;
 constexpr auto silenceAfterBigReply = 250ms;
 
-/// A connection that met itself and is closed in the ordinary way would keep its port, which is
-/// the application's, for a minute. One that is broken off leaves nothing behind.
-void breakOffWhenClosed(int connection, bool on) {
-  const linger atOnce{.l_onoff = on ? 1 : 0, .l_linger = 0};
-  setsockopt(connection, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+bool isTemporary(int error) {
+  return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
 }
 
 }  // namespace
 
-NWConnectionBox::NWConnectionBox(asio::io_context& context, std::uint16_t port)
-    : endpoint_(asio::ip::address_v4::loopback(), port), connection_(context), timer_(context) {}
-
-void NWConnectionBox::send(json::Text request, Completion completion) {
-  request_ = std::move(request);
-  completion_ = std::move(completion);
-  connect();
+bool NWConnectionBox::send(UptimeClock::time_point deadline) {
+  switch (state_) {
+    case State::connecting: return connect(deadline);
+    case State::sending: return sendRequest(deadline);
+    case State::receiving: return receiveReply(deadline);
+    case State::finished: break;
+  }
+  return true;
 }
 
-void NWConnectionBox::connect() {
-  Error error;
-  connection_.open(endpoint_.protocol(), error);
-  if (error) return finish(std::nullopt);
-  fcntl(connection_.native_handle(), F_SETFD, FD_CLOEXEC);
-  breakOffWhenClosed(connection_.native_handle(), true);
-  connection_.async_connect(endpoint_, [waiting = weak_from_this()](Error outcome) {
-    if (const auto self = waiting.lock()) self->connected(outcome);
-  });
-}
-
-void NWConnectionBox::connected(Error error) {
-  // Accepted and thrown out at once: that is the end of an exchange, not an application to
-  // wait for.
-  if (error == asio::error::connection_reset) return finish(std::nullopt);
-  if (error || isConnectedToItself()) return waitAndConnect();
-  breakOffWhenClosed(connection_.native_handle(), false);
-  sendRequest();
-}
-
-void NWConnectionBox::waitAndConnect() {
-  Error ignored;
-  connection_.close(ignored);
-  timer_.expires_after(retryPause);
-  timer_.async_wait([waiting = weak_from_this()](Error error) {
-    if (const auto self = waiting.lock(); self && !error) self->connect();
-  });
-}
-
-/// Where nobody listens on a port out of the range that the system gives to outgoing
-/// connections, an attempt can be given that same port, and then it meets itself.
-bool NWConnectionBox::isConnectedToItself() const {
-  Error error;
-  return connection_.local_endpoint(error) == endpoint_;
-}
-
-void NWConnectionBox::sendRequest() {
-  const std::string_view rest = request_.view().substr(sentBytes_);
-  connection_.async_send(
-      asio::buffer(rest),
-      [self = shared_from_this()](Error error, std::size_t count) { self->sent(error, count); });
-}
-
-void NWConnectionBox::sent(Error error, std::size_t count) {
-  if (error) return finish(std::nullopt);
-  sentBytes_ += count;
-  if (sentBytes_ < request_.size()) return sendRequest();
-  if (!receiveAtOnce()) receive();
-}
-
-/// To fall asleep and be woken takes longer than a quick application takes to answer; asking
-/// this often takes some fifty microseconds in all.
-bool NWConnectionBox::receiveAtOnce() {
-  constexpr int attempts = 128;
-  Error error;
-  connection_.non_blocking(true, error);
-  for (int attempt = 0; attempt < attempts; ++attempt) {
-    const auto room = asio::buffer(reply_.room(smallReply), smallReply);
-    const std::size_t count = connection_.receive(room, 0, error);
-    if (error == asio::error::would_block) continue;
-    received(error, count);
-    return true;
+bool NWConnectionBox::connect(UptimeClock::time_point deadline) {
+  while (UptimeClock::now() < deadline) {
+    if (!socket_.open()) return finish();
+    const int error = socket_.connect(port_, deadline);
+    if (error == 0) {
+      state_ = State::sending;
+      return sendRequest(deadline);
+    }
+    // Accepted and reset at once: the exchange has failed, the application is there.
+    if (error == ECONNRESET) return finish();
+    socket_.close();
+    std::this_thread::sleep_until(std::min(deadline, UptimeClock::now() + retryPause));
   }
   return false;
 }
 
-void NWConnectionBox::receive() {
+bool NWConnectionBox::sendRequest(UptimeClock::time_point deadline) {
+  while (sentBytes_ < request_.size()) {
+    const ssize_t count = socket_.send(request_.view().substr(sentBytes_));
+    if (count >= 0) {
+      sentBytes_ += static_cast<std::size_t>(count);
+    } else if (!isTemporary(errno)) {
+      return finish();
+    } else if (UptimeClock::now() >= deadline) {
+      return false;
+    } else {
+      static_cast<void>(socket_.wait(LoopbackSocket::Until::writable, deadline));
+    }
+  }
+  state_ = State::receiving;
+  return receiveReply(deadline);
+}
+
+bool NWConnectionBox::receiveReply(UptimeClock::time_point deadline) {
+  // Blocking and waking cost more than a fast reply; 128 polls take about 50 us.
+  int polls = 128;
+  while (true) {
+    // Taken before receiving: if the process was suspended, the time can be up although data has
+    // arrived. That data is received first.
+    const auto now = UptimeClock::now();
+    const Received received = receiveSome();
+    if (received == Received::end) return finish();
+    if (received == Received::some) continue;
+    if (reply_.isWhole()) return finish();
+    if (!reply_.isEmpty() && now >= silenceEnds_) return finish();
+    if (now >= deadline) return false;
+    if (reply_.isEmpty() && polls-- > 0) continue;
+    const auto until = reply_.isEmpty() ? deadline : std::min(deadline, silenceEnds_);
+    static_cast<void>(socket_.wait(LoopbackSocket::Until::readable, until));
+  }
+}
+
+NWConnectionBox::Received NWConnectionBox::receiveSome() {
   const std::size_t room = reply_.isEmpty() ? smallReply : reply_.left();
-  connection_.async_receive(asio::buffer(reply_.room(room), room),
-                            [self = shared_from_this()](Error error, std::size_t count) {
-                              self->received(error, count);
-                            });
+  const ssize_t count = socket_.receive(reply_.room(room), room);
+  if (count < 0 && isTemporary(errno)) return Received::nothing;
+  if (count <= 0) return Received::end;
+  reply_.received(static_cast<std::size_t>(count));
+  const bool receivedAll = static_cast<std::size_t>(count) < room;
+  if (reply_.left() == 0 || (reply_.isWhole() && receivedAll)) return Received::end;
+  silenceEnds_ = UptimeClock::now() +
+                 (reply_.size() < smallReply ? silenceAfterSmallReply : silenceAfterBigReply);
+  return Received::some;
 }
 
-void NWConnectionBox::received(Error error, std::size_t count) {
-  if (finished_) return;
-  reply_.received(count);
-  const bool isAll = reply_.isWhole() && !moreHasCome();
-  if (error || isAll || reply_.left() == 0) return deliver();
-  waitForMore();
-  receive();
+bool NWConnectionBox::finish() {
+  socket_.close();
+  state_ = State::finished;
+  return true;
 }
 
-void NWConnectionBox::waitForMore() {
-  timer_.expires_after(reply_.size() < smallReply ? silenceAfterSmallReply : silenceAfterBigReply);
-  timer_.async_wait([self = shared_from_this()](Error error) {
-    if (!error) self->fellSilent();
-  });
-}
-
-/// Where this process did not run for a while, the time may be up although more has come in: it
-/// was received just now, and the time runs anew, or it waits to be.
-void NWConnectionBox::fellSilent() {
-  if (timer_.expiry() > UptimeClock::now()) return;
-  if (moreHasCome()) return waitForMore();
-  deliver();
-}
-
-bool NWConnectionBox::moreHasCome() const {
-  Error error;
-  return connection_.available(error) > 0;
-}
-
-void NWConnectionBox::deliverWhatCame() {
-  if (!reply_.isEmpty()) deliver();
-}
-
-void NWConnectionBox::deliver() {
-  finish(reply_.isEmpty() ? std::nullopt : std::optional(std::move(reply_)));
-}
-
-void NWConnectionBox::finish(std::optional<Reply> reply) {
-  if (finished_) return;
-  finished_ = true;
-  completion_(std::move(reply));
-  Error ignored;
-  connection_.close(ignored);
-  timer_.cancel();
+std::optional<Reply> NWConnectionBox::takeReply() {
+  if (reply_.isEmpty()) return std::nullopt;
+  return std::move(reply_);
 }
 
 }  // namespace bridge

@@ -2,71 +2,54 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <memory>
 #include <optional>
-#include <system_error>
+#include <utility>
 
-#include <asio/io_context.hpp>
-#include <asio/ip/tcp.hpp>
-#include <asio/steady_timer.hpp>
-
+#include "bridge/loopback_socket.h"
 #include "bridge/reply.h"
 #include "bridge/uptime_clock.h"
-#include "json/text.h"
+#include "common/bytes.h"
 
 namespace bridge {
 
 /// One exchange with the desktop application on a connection of its own: connect to the IPv4
-/// loopback address, send one request, receive one reply, close.
-///
-/// Always owned by a shared_ptr. Once connected, the exchange keeps the box alive until it is
-/// over, whether or not anybody else holds it; until then only its owner does, so that a
-/// request which was never sent is forgotten with its owner. Everything, the completion
-/// included, runs on the thread that runs the context, and so must every use of the box.
-class NWConnectionBox : public std::enable_shared_from_this<NWConnectionBox> {
+/// loopback address, send one request, receive one reply, close. For one thread at a time.
+class NWConnectionBox {
  public:
-  /// Gets the reply, or none if the exchange ended without one.
-  using Completion = std::function<void(std::optional<Reply>)>;
+  enum class State : std::uint8_t {
+    connecting,  ///< a refused connection is tried again
+    sending,     ///< connected; a part of the request may have been sent
+    receiving,   ///< the whole request has been sent
+    finished     ///< closed, with or without a reply
+  };
 
-  /// `port` is on the loopback address; the context must outlive the box.
-  NWConnectionBox(asio::io_context& context, std::uint16_t port);
+  NWConnectionBox(std::uint16_t port, common::Bytes request)
+      : port_(port), request_(std::move(request)) {}
 
-  /// Starts the exchange and returns at once; to be called once. The completion is called at
-  /// most once: not while the connection is refused, which is tried again until the box is
-  /// let go, nor while the application says nothing. It must not block.
-  void send(json::Text request, Completion completion);
+  /// Carries the exchange on until it has finished. False if the deadline comes first; it can then
+  /// be carried on with another call.
+  bool send(UptimeClock::time_point deadline);
 
-  /// For a caller whose time is up: delivers the bytes that have come, if any, without waiting
-  /// for the rest of a reply. If none have, the exchange goes on.
-  void deliverWhatCame();
+  [[nodiscard]] State state() const { return state_; }
+
+  /// Everything received so far; none if there is nothing. Call it once.
+  std::optional<Reply> takeReply();
 
  private:
-  using Error = std::error_code;
+  bool connect(UptimeClock::time_point deadline);
+  bool sendRequest(UptimeClock::time_point deadline);
+  bool receiveReply(UptimeClock::time_point deadline);
+  enum class Received : std::uint8_t { some, nothing, end };
+  Received receiveSome();
+  bool finish();
 
-  void connect();
-  void connected(Error error);
-  void waitAndConnect();
-  [[nodiscard]] bool isConnectedToItself() const;
-  void sendRequest();
-  void sent(Error error, std::size_t count);
-  bool receiveAtOnce();
-  void receive();
-  void received(Error error, std::size_t count);
-  void waitForMore();
-  void fellSilent();
-  [[nodiscard]] bool moreHasCome() const;
-  void deliver();
-  void finish(std::optional<Reply> reply);
-
-  asio::ip::tcp::endpoint endpoint_;
-  asio::ip::tcp::socket connection_;
-  asio::basic_waitable_timer<UptimeClock> timer_;
-  json::Text request_;
+  std::uint16_t port_;
+  LoopbackSocket socket_;
+  State state_ = State::connecting;
+  common::Bytes request_;
   std::size_t sentBytes_ = 0;
   Reply reply_;
-  Completion completion_;
-  bool finished_ = false;
+  UptimeClock::time_point silenceEnds_;  // once some of the reply has been received
 };
 
 }  // namespace bridge

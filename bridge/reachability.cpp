@@ -16,14 +16,16 @@ bool reachable(const Endpoint& endpoint) {
 }
 
 std::optional<Endpoint> waitForApp(std::chrono::duration<double> timeout,
-                                   const WaitingSteps& steps) {
+                                   const WaitDependencies& dependencies) {
   constexpr auto pause = 400ms;
 
-  if (auto endpoint = steps.load(); endpoint && steps.probe(*endpoint)) return endpoint;
-  if (!steps.launch()) return std::nullopt;
-  const auto deadline = steps.wallClock() + timeout;
-  while (steps.wallClock() < deadline) {
-    if (auto endpoint = steps.load(); endpoint && steps.probe(*endpoint)) return endpoint;
+  if (auto endpoint = dependencies.load(); endpoint && dependencies.probe(*endpoint))
+    return endpoint;
+  if (!dependencies.launch()) return std::nullopt;
+  const auto deadline = dependencies.wallClock() + timeout;
+  while (dependencies.wallClock() < deadline) {
+    if (auto endpoint = dependencies.load(); endpoint && dependencies.probe(*endpoint))
+      return endpoint;
     std::this_thread::sleep_for(pause);
   }
   return std::nullopt;

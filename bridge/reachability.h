@@ -9,26 +9,27 @@
 
 namespace bridge {
 
-/// Whether the application answers on that endpoint, with anything at all, within 3 seconds.
-/// It is asked for its drive status; the answer is thrown away. Blocks; main thread only.
+/// Sends the application a "drive_status" request and returns whether anything at all comes back
+/// within 3 seconds. Blocks the calling thread.
 ///
 /// A port outside 0 to 65535 ends the process at once.
 bool reachable(const Endpoint& endpoint);
 
-/// What waiting for the application is made of.
-struct WaitingSteps {
+/// What waitForApp() depends on, replaceable in tests.
+struct WaitDependencies {
   std::function<std::optional<Endpoint>()> load = Endpoint::load;
   std::function<bool(const Endpoint&)> probe = reachable;
   std::function<bool()> launch = launchApp;
   std::function<std::chrono::system_clock::time_point()> wallClock = std::chrono::system_clock::now;
 };
 
-/// An endpoint on which the application answers. If the published one does, that one, at
-/// once. Otherwise the application is started, and the endpoint file read again every 0.4
-/// seconds, each endpoint found being probed, until one answers or the wall clock is `timeout`
-/// further on: then none, as also when it can't be started. A probe that has begun is never
-/// shortened, so the end may come 3.4 seconds late. Blocks; main thread only.
+/// Returns an endpoint on which the application answers.
+///
+/// If the published endpoint answers, returns it at once. Otherwise launches the application, then
+/// reads the endpoint file every 0.4 seconds and probes each endpoint found, until one answers.
+/// None if the application cannot be launched or the wall clock has advanced by `timeout`. A
+/// probe is never cut short, so the call can take 6.4 seconds more. Blocks the calling thread.
 std::optional<Endpoint> waitForApp(std::chrono::duration<double> timeout,
-                                   const WaitingSteps& steps = {});
+                                   const WaitDependencies& dependencies = {});
 
 }  // namespace bridge

@@ -3,22 +3,20 @@
 #include <cstddef>
 #include <optional>
 
+#include "common/bytes.h"
 #include "json/reader.h"
-#include "json/text.h"
 
 namespace bridge {
 
-/// The application's reply to one request, read as JSON while its bytes come in.
+/// The application's reply to one request. It is read as JSON while its bytes arrive.
 class Reply {
  public:
-  /// The most bytes that a reply may have; what comes behind them is never looked at.
+  /// A reply has at most this many bytes; the rest is never received.
   static constexpr std::size_t mostBytes = 4194304;
 
-  /// How much more it may take.
   [[nodiscard]] std::size_t left() const { return mostBytes - size(); }
 
-  /// Room for further bytes: `left()` of them once the reply has turned out to be a big one.
-  /// What is written there is taken with received().
+  /// Room for `count` more bytes. Write there, then call received().
   char* room(std::size_t count) { return bytes_.room(count); }
   void received(std::size_t count) {
     bytes_.commit(count);
@@ -31,15 +29,16 @@ class Reply {
   /// Whether the bytes so far are one whole JSON message.
   [[nodiscard]] bool isWhole() const { return reader_.state() == json::Reader::State::complete; }
 
-  /// The message; none if the bytes are not one. Points into this reply, which must outlive
-  /// it but may be moved. To be called once.
+  /// The message; none if the bytes are not one. Points into this reply, which must outlive it but
+  /// may be moved. Call it once.
   std::optional<json::Document> document() {
+    reader_.read(bytes_.view());  // room() may have moved the bytes
     if (!isWhole()) return std::nullopt;
-    return std::move(reader_).take(bytes_.view());
+    return std::move(reader_).take();
   }
 
  private:
-  json::Text bytes_;
+  common::Bytes bytes_;
   json::Reader reader_;
 };
 

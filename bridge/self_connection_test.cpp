@@ -17,7 +17,7 @@
 #include "tests/support/loopback_listener.h"
 #include "tests/support/sanitizers.h"
 #include "tests/support/socket_io.h"
-#include "tests/unit/as_text.h"
+#include "tests/unit/as_bytes.h"
 
 // That sanitizer ends a forked process which starts a thread.
 #if !UNDER_THREAD_SANITIZER
@@ -65,7 +65,7 @@ enum class Finding { asItShould, tookItselfForTheApplication, keptThePort, notTr
 Finding exchangeWhereOneMeetsItself() {
   using enum Finding;
   if (!enterNetworkWithOnePort() || !meetsItself()) return notTried;
-  const bridge::Outcome outcome = bridge::exchange(onlyPort, asText("{}"), 1s);
+  const bridge::Outcome outcome = bridge::exchange(onlyPort, asBytes("{}"), 1s);
   if (outcome.ended || outcome.reply) return tookItselfForTheApplication;
   return canBeListenedOn() ? asItShould : keptThePort;
 }

@@ -5,8 +5,8 @@
 
 namespace bridge {
 
-/// Time that passes while the machine is awake. The limits of an exchange are measured on it, as
-/// the application can't answer either while the machine sleeps. Any thread.
+/// A steady clock that stops while the machine sleeps. The time limits of an exchange use it,
+/// because the application cannot answer while the machine sleeps either. Thread-safe.
 struct UptimeClock {
   using duration = std::chrono::nanoseconds;
   using rep = duration::rep;
@@ -15,15 +15,17 @@ struct UptimeClock {
   static constexpr bool is_steady = true;
 
   static time_point now() noexcept {
-#ifdef __APPLE__
-    constexpr clockid_t clock = CLOCK_UPTIME_RAW;  // there, the monotonic ones go on
-#else
-    constexpr clockid_t clock = CLOCK_MONOTONIC;
-#endif
     timespec time{};
     clock_gettime(clock, &time);
     return time_point(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
   }
+
+ private:
+#ifdef __APPLE__
+  static constexpr clockid_t clock = CLOCK_UPTIME_RAW;  // CLOCK_MONOTONIC runs on during sleep
+#else
+  static constexpr clockid_t clock = CLOCK_MONOTONIC;
+#endif
 };
 
 }  // namespace bridge

@@ -1,31 +1,33 @@
 #pragma once
 
-#include <span>
 #include <string_view>
+#include <vector>
 
-/// What the server offers to the agent. Everything in here is a constant of the program,
-/// valid for ever and readable from any thread.
+/// What the server offers to the agent.
 namespace AgentProtocol {
 
-/// One input parameter of a tool.
+/// An input parameter of a tool.
 struct Property {
   std::string_view type;         ///< JSON-Schema type name: "string", "integer" or "boolean"
-  std::string_view description;  ///< for the agent; states the default where there is one
+  std::string_view description;  ///< for the agent; states the default if there is one
 };
 
-/// A parameter under its name, as a tool's table of parameters lists it.
 struct NamedProperty {
   std::string_view name;
   Property property;
 };
 
-/// One tool as the agent sees it. The server executes none of them and checks no call against
-/// them: every call goes to the desktop application as it is.
+/// A tool as the agent sees it. The server executes none of them and checks no call against them:
+/// every call is forwarded to the desktop application unchanged.
 struct Tool {
   std::string_view name;
   std::string_view description;
-  std::span<const NamedProperty> properties;   ///< each name once
-  std::span<const std::string_view> required;  ///< names out of `properties`, order kept
+  std::vector<NamedProperty> properties;   ///< each name once
+  std::vector<std::string_view> required;  ///< names from `properties`, in this order
 };
+
+/// The catalogue: eleven tools, in the order in which they are announced. Built on the first call,
+/// never changed, valid until the process ends. Thread-safe.
+const std::vector<Tool>& tools();
 
 }  // namespace AgentProtocol

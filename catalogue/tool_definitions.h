@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-/// The whole catalogue as a JSON array, an object with "name", "description" and
-/// "inputSchema" for each tool, in catalogue order. It is laid out while the program is
-/// compiled, so that announcing the tools is copying out text. Any thread.
+/// The whole catalogue as the compact text of a JSON array: for each tool an object with "name",
+/// "description" and "inputSchema", in catalogue order. Written on the first call, valid until the
+/// process ends. Thread-safe.
 std::string_view toolDefinitions();

@@ -8,8 +8,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "catalogue/tools.h"
-#include "tests/unit/laid_out.h"
+#include "catalogue/agent_protocol.h"
+#include "tests/unit/written.h"
 
 // The texts themselves are compared with tools.json by the end-to-end tests; here it is the
 // rendering that is tested, against the table.
@@ -31,9 +31,9 @@ TEST(ToolDefinitions, AreAnArrayOfAllToolsInTheirOrder) {
 
 TEST(ToolDefinitions, HaveTheTablesTextsAndNothingElse) {
   const nlohmann::json all = definitions();
-  ASSERT_EQ(all.size(), std::size(AgentProtocol::tools));
+  ASSERT_EQ(all.size(), AgentProtocol::tools().size());
   for (std::size_t i = 0; i < all.size(); ++i) {
-    const AgentProtocol::Tool& tool = AgentProtocol::tools[i];
+    const AgentProtocol::Tool& tool = AgentProtocol::tools()[i];
     nlohmann::json properties = nlohmann::json::object();
     for (const auto& [name, property] : tool.properties) {
       properties[std::string(name)] = {{"type", property.type},
@@ -79,12 +79,20 @@ TEST(ToolDefinitions, DescriptionsHaveTheirLengthsInBytes) {
             (std::vector<std::size_t>{147, 51, 187, 124, 231, 253, 174, 137, 172, 201, 132}));
 }
 
-TEST(ToolDefinitions, AreSpeltAsAllOtherReplies) {
+TEST(ToolDefinitions, AreCompactTextOfThisWriter) {
   EXPECT_EQ(compact(toolDefinitions()), toolDefinitions());
 }
 
 TEST(ToolDefinitions, AreTheSameTextEachTime) {
   EXPECT_EQ(toolDefinitions().data(), toolDefinitions().data());
+}
+
+TEST(Tools, NameEachParameterOnceAndRequireOnlyParameters) {
+  for (const AgentProtocol::Tool& tool : AgentProtocol::tools()) {
+    std::set<std::string_view> names;
+    for (const auto& [name, property] : tool.properties) EXPECT_TRUE(names.insert(name).second);
+    for (const std::string_view name : tool.required) EXPECT_TRUE(names.contains(name)) << name;
+  }
 }
 
 }  // namespace

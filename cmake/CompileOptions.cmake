@@ -20,7 +20,6 @@ target_compile_options(quillmark_options INTERFACE
   # g++ 12 takes the joining of two strings for an overlapping copy when it optimizes.
   $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
   $<$<BOOL:${QUILLMARK_WARNINGS_AS_ERRORS}>:-Werror>)
-target_compile_definitions(quillmark_options INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED)
 
 if(QUILLMARK_SANITIZE)
   target_compile_options(quillmark_options INTERFACE

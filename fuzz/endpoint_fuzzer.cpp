@@ -14,14 +14,14 @@
 
 #include "bridge/endpoint.h"
 #include "fuzz/require.h"
-#include "json/layout.h"
-#include "tests/unit/judge.h"
-#include "tests/unit/laid_out.h"
+#include "json/writer.h"
 #include "tests/unit/published_home.h"
+#include "tests/unit/reference.h"
+#include "tests/unit/written.h"
 
 namespace {
 
-/// The integer that a member of judge::tree() spells, if it fits 64 bits with its sign.
+/// The integer that a member of reference::tree() spells, if it fits 64 bits with its sign.
 std::optional<std::int64_t> integer(const nlohmann::json& value) {
   if (!value.is_string() || !value.get_ref<const std::string&>().starts_with('n')) {
     return std::nullopt;
@@ -35,8 +35,8 @@ std::optional<std::int64_t> integer(const nlohmann::json& value) {
 
 /// The file as judged: with "version" and "port" as numbers, or null if it is unusable.
 nlohmann::json judged(std::string_view bytes) {
-  if (judge::verdict(bytes) != judge::Verdict::wellFormed) return nullptr;
-  const nlohmann::json tree = judge::tree(bytes);
+  if (reference::verdict(bytes) != reference::Verdict::wellFormed) return nullptr;
+  const nlohmann::json tree = reference::tree(bytes);
   if (!tree.is_object()) return nullptr;
   const auto version = integer(tree.value("version", nlohmann::json()));
   const auto port = integer(tree.value("port", nlohmann::json()));
@@ -51,7 +51,7 @@ nlohmann::json told(const std::optional<bridge::Endpoint>& endpoint) {
   if (!endpoint) return nullptr;
   return {{"version", endpoint->version},
           {"port", endpoint->port},
-          {"token", judge::tree("[" + literalOf(endpoint->token) + "]").at(0)}};
+          {"token", reference::tree("[" + stringLiteral(endpoint->token) + "]").at(0)}};
 }
 
 }  // namespace
@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::ofstream(home.file().path(), std::ios::binary) << bytes;
 
   const auto endpoint = bridge::Endpoint::load();
-  if (judge::verdict(bytes) == judge::Verdict::none) return 0;
+  if (reference::verdict(bytes) == reference::Verdict::none) return 0;
   require(told(endpoint) == judged(bytes), "the endpoint is what the file says",
           told(endpoint).dump(-1, ' ', true) + "\n" + judged(bytes).dump(-1, ' ', true));
   return 0;

@@ -6,7 +6,7 @@
 #include <iterator>
 
 #include "catalogue/tool_definitions.h"
-#include "tests/unit/judge.h"
+#include "tests/unit/reference.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ std::vector<std::string> lines(std::string_view input) {
   return lines;
 }
 
-/// What judge::tree() has for a member that is a string: "s" and its characters.
+/// What reference::tree() has for a member that is a string: "s" and its characters.
 std::string stringOrEmpty(const json& object, const char* name) {
   const auto member = object.find(name);
   if (member == object.end() || !member->is_string()) return "s";
@@ -66,13 +66,13 @@ json reply(const json& request, const char* kind, json content) {
 
 const json& initializeResult() {
   static const json result =
-      judge::tree(R"({"protocolVersion":"2024-11-05","capabilities":{"tools":{}},)"
-                  R"("serverInfo":{"name":"quillmark","version":"1.0.0"}})");
+      reference::tree(R"({"protocolVersion":"2024-11-05","capabilities":{"tools":{}},)"
+                      R"("serverInfo":{"name":"quillmark","version":"1.0.0"}})");
   return result;
 }
 
 const json& toolsListResult() {
-  static const json result{{"tools", judge::tree(toolDefinitions())}};
+  static const json result{{"tools", reference::tree(toolDefinitions())}};
   return result;
 }
 
@@ -87,7 +87,7 @@ void answer(const json& request, std::size_t first, Expected& expected) {
     const json params = objectOrEmpty(request, "params");
     expected.calls.push_back({{"name", stringOrEmpty(params, "name")},
                               {"arguments", objectOrEmpty(params, "arguments")}});
-    expected.replies.push_back(reply(request, "result", judge::tree(outcome.toolResult)));
+    expected.replies.push_back(reply(request, "result", reference::tree(outcome.toolResult)));
   } else if (request.contains("id")) {
     expected.replies.push_back(
         reply(request, "error",
@@ -104,10 +104,10 @@ const Outcome& outcomeOf(std::size_t first, std::size_t call) {
 Expected expectedOf(std::string_view input, std::size_t first) {
   Expected expected;
   for (const std::string& line : lines(input)) {
-    const judge::Verdict verdict = judge::verdict(line);
-    if (verdict == judge::Verdict::none) expected.isSure = false;
-    if (verdict != judge::Verdict::wellFormed) continue;
-    const json message = judge::tree(line);
+    const reference::Verdict verdict = reference::verdict(line);
+    if (verdict == reference::Verdict::none) expected.isSure = false;
+    if (verdict != reference::Verdict::wellFormed) continue;
+    const json message = reference::tree(line);
     if (message.is_object()) answer(message, first, expected);
   }
   return expected;

@@ -17,7 +17,7 @@ struct Outcome {
 /// One for each call, over and over. `first` may be any number.
 const Outcome& outcomeOf(std::size_t first, std::size_t call);
 
-/// What must come of some input, as judge::tree() gives it.
+/// What must come of some input, as reference::tree() gives it.
 struct Expected {
   std::vector<nlohmann::json> replies;
   std::vector<nlohmann::json> calls;  ///< objects with "name" and "arguments"

@@ -11,10 +11,10 @@
 
 #include "fuzz/pieces.h"
 #include "fuzz/require.h"
-#include "json/layout.h"
 #include "json/reader.h"
-#include "tests/unit/judge.h"
-#include "tests/unit/laid_out.h"
+#include "json/writer.h"
+#include "tests/unit/reference.h"
+#include "tests/unit/written.h"
 
 namespace {
 
@@ -38,9 +38,9 @@ Reading readInPieces(std::string_view text, const std::vector<std::size_t>& ends
     reading.state = reader.read({soFar.data(), soFar.size()});
   }
   if (!reading.isComplete()) return reading;
-  const json::Document document = std::move(reader).take({soFar.data(), soFar.size()});
-  json::Text compact;
-  json::Text pretty;
+  const json::Document document = std::move(reader).take();
+  common::Bytes compact;
+  common::Bytes pretty;
   json::appendCompact(compact, document.root());
   json::appendPrettyQuoted(pretty, document.root());
   reading.compact = compact.view();
@@ -59,14 +59,14 @@ void requireFixedPoints(const Reading& reading) {
 }
 
 void requireSameValues(std::string_view text, const Reading& reading) {
-  const nlohmann::json tree = judge::tree(text);
-  require(judge::tree(reading.compact) == tree, "the compact layout means the same",
+  const nlohmann::json tree = reference::tree(text);
+  require(reference::tree(reading.compact) == tree, "the compact layout means the same",
           reading.compact);
-  if (!judge::isTellable(text)) return;
-  require(reading.compact.size() == judge::compact(tree).size(), "there are no blanks",
+  if (!reference::isTellable(text)) return;
+  require(reading.compact.size() == reference::compact(tree).size(), "there are no blanks",
           reading.compact);
-  require(reading.pretty == judge::literal(judge::pretty(tree)), "pretty text is the judge's",
-          reading.pretty);
+  require(reading.pretty == reference::literal(reference::pretty(tree)),
+          "pretty text is the judge's", reading.pretty);
 }
 
 }  // namespace
@@ -79,13 +79,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const Reading whole = readInPieces(text, {text.size()});
   require(readInPieces(text, pieceEnds(text.size(), seed)) == whole, "pieces make no difference");
 
-  const judge::Verdict verdict = judge::verdict(text);
-  require(verdict != judge::Verdict::wellFormed || whole.isComplete(), "what is right is read");
-  require(verdict != judge::Verdict::malformed || !whole.isComplete(), "what is wrong is refused");
+  const reference::Verdict verdict = reference::verdict(text);
+  require(verdict != reference::Verdict::wellFormed || whole.isComplete(), "what is right is read");
+  require(verdict != reference::Verdict::malformed || !whole.isComplete(),
+          "what is wrong is refused");
   if (!whole.isComplete()) return 0;
 
   require(whole.compact.size() <= 2 * text.size(), "nothing grows but slashes");
   requireFixedPoints(whole);
-  if (verdict == judge::Verdict::wellFormed) requireSameValues(text, whole);
+  if (verdict == reference::Verdict::wellFormed) requireSameValues(text, whole);
   return 0;
 }

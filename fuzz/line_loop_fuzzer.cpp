@@ -17,9 +17,9 @@
 #include "fuzz/require.h"
 #include "server/server.h"
 #include "server/stdio_loop.h"
-#include "tests/unit/judge.h"
-#include "tests/unit/laid_out.h"
+#include "tests/unit/reference.h"
 #include "tests/unit/reply_of.h"
+#include "tests/unit/written.h"
 
 namespace {
 
@@ -38,10 +38,10 @@ struct Happened {
 
 Happened run(std::string_view bytes, std::uint8_t seed, std::size_t first) {
   Happened happened;
-  const server::Surroundings surroundings{
+  const server::HandleDependencies dependencies{
       .callApp =
           [&](std::string_view tool, json::Value arguments) {
-            json::Text call;
+            common::Bytes call;
             call.append(R"({"name":)");
             json::appendQuoted(call, tool);
             call.append(R"(,"arguments":)");
@@ -54,7 +54,7 @@ Happened run(std::string_view bytes, std::uint8_t seed, std::size_t first) {
   const PiecedInput input(bytes, seed);
   server::StdioLoop(input.descriptor(), [&](json::Value request) {
     const std::size_t before = happened.replies.size();
-    server::handle(request, surroundings);
+    server::handle(request, dependencies);
     require(happened.replies.size() <= before + 1, "a message has at most one reply");
   }).run();
   return happened;
@@ -64,12 +64,12 @@ Happened run(std::string_view bytes, std::uint8_t seed, std::size_t first) {
 void requireOneObject(const std::string& text) {
   require(text.find('\n') == std::string::npos, "what is sent is one line", text);
   require(text.starts_with('{'), "what is sent is an object", text);
-  require(judge::verdict(text) != judge::Verdict::malformed, "what is sent is JSON", text);
+  require(reference::verdict(text) != reference::Verdict::malformed, "what is sent is JSON", text);
 }
 
 Trees trees(const std::vector<std::string>& texts) {
   Trees trees;
-  for (const std::string& text : texts) trees.push_back(judge::tree(text));
+  for (const std::string& text : texts) trees.push_back(reference::tree(text));
   return trees;
 }
 
@@ -77,7 +77,7 @@ std::string shown(const std::vector<std::string>& texts, const Trees& expected) 
   std::string lines;
   for (const std::string& text : texts) lines += text + "\n";
   lines += "expected:\n";
-  for (const auto& tree : expected) lines += judge::compact(tree) + "\n";
+  for (const auto& tree : expected) lines += reference::compact(tree) + "\n";
   return lines;
 }
 

@@ -1,50 +1,96 @@
 #pragma once
 
+#include <utf8.h>
+
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
+
+#include "json/unescape.h"
 
 namespace json {
 
-/// An escape in a JSON string, such as `\n` or `\u00e9`.
-struct Escape {
-  char32_t codePoint;     ///< what it stands for; a surrogate if it is an unpaired one
-  std::ptrdiff_t length;  ///< its bytes, backslash included; 12 for a pair of surrogates
+/// How often a character is escaped: once in a string of a message, twice in JSON text that is
+/// itself the content of a string.
+enum class Escaping : std::uint8_t { once, twice };
+
+/// An ASCII character as it is written in a string.
+struct Escaped {
+  std::array<char, 7> bytes{};
+  std::uint8_t size = 0;
+
+  constexpr void append(char byte) { bytes.at(size++) = byte; }
 };
 
-/// Reads the escape at `from`, which points to the backslash of a well-formed escape in a
-/// string that ends at `end`.
-Escape readEscape(const char* from, const char* end);
+/// The most bytes that writing one character may touch.
+inline constexpr std::size_t longestCharacter = sizeof(Escaped);
 
-/// Of each byte, whether a backslash before it makes the two a whole escape.
-inline constexpr auto shortEscapes = [] {
-  std::array<bool, 256> table{};
-  for (const char c : std::string_view("\"\\/bfnrt"))
-    table.at(static_cast<unsigned char>(c)) = true;
+inline constexpr std::array<char, 16> hexDigits{'0', '1', '2', '3', '4', '5', '6', '7',
+                                                '8', '9', 'a', 'b', 'c', 'd', 'e', 'f'};
+
+constexpr Escaped escapeOnce(char character) {
+  Escaped escaped;
+  if (character == '"' || character == '\\' || character == '/') {
+    escaped.append('\\');
+    escaped.append(character);
+  } else if (static_cast<unsigned char>(character) >= ' ') {
+    escaped.append(character);
+  } else {
+    escaped.append('\\');
+    for (const char letter : {'b', 'f', 'n', 'r', 't'}) {
+      if (shortEscape(letter) != character) continue;
+      escaped.append(letter);
+      return escaped;
+    }
+    const auto unit = static_cast<unsigned>(character);
+    for (const char byte : {'u', '0', '0', hexDigits[unit >> 4U], hexDigits[unit & 0xFU]}) {
+      escaped.append(byte);
+    }
+  }
+  return escaped;
+}
+
+constexpr Escaped escapeTwice(char character) {
+  Escaped twice;
+  const Escaped once = escapeOnce(character);
+  for (std::size_t i = 0; i < once.size; ++i) {
+    const Escaped escaped = escapeOnce(once.bytes.at(i));
+    for (std::size_t k = 0; k < escaped.size; ++k) twice.append(escaped.bytes.at(k));
+  }
+  return twice;
+}
+
+template <Escaping escaping>
+inline constexpr auto escapedAscii = [] {
+  std::array<Escaped, 128> table{};
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    const char character = static_cast<char>(i);
+    table.at(i) = escaping == Escaping::once ? escapeOnce(character) : escapeTwice(character);
+  }
   return table;
 }();
 
-/// Whether a backslash and this letter are a whole escape.
-constexpr bool isShortEscape(char letter) {
-  return shortEscapes[static_cast<unsigned char>(letter)];
+/// Writes one ASCII character of a string and returns the end. Needs room for longestCharacter.
+template <Escaping escaping>
+char* writeAscii(char* to, char character) {
+  const Escaped& escaped = escapedAscii<escaping>[static_cast<unsigned char>(character)];
+  std::memcpy(to, escaped.bytes.data(), escaped.bytes.size());
+  return to + escaped.size;
 }
 
-/// The value of a hexadecimal digit, or -1.
-constexpr int hexValue(char digit) {
-  if (digit >= '0' && digit <= '9') return digit - '0';
-  if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
-  if (digit >= 'A' && digit <= 'F') return digit - 'A' + 10;
-  return -1;
-}
-
-constexpr bool isHighSurrogate(char32_t unit) {
-  return unit >= 0xD800 && unit < 0xDC00;
-}
-constexpr bool isLowSurrogate(char32_t unit) {
-  return unit >= 0xDC00 && unit < 0xE000;
-}
-constexpr bool isSurrogate(char32_t unit) {
-  return unit >= 0xD800 && unit < 0xE000;
+/// Writes one character of a string and returns the end. Needs room for longestCharacter. An
+/// unpaired surrogate becomes an escape.
+template <Escaping escaping>
+char* writeCharacter(char* to, char32_t character) {
+  if (character < 0x80) return writeAscii<escaping>(to, static_cast<char>(character));
+  if (!isSurrogate(character)) return utf8::unchecked::append(character, to);
+  constexpr std::string_view start = escaping == Escaping::once ? "\\u" : "\\\\u";
+  to = std::ranges::copy(start, to).out;
+  for (const unsigned shift : {12U, 8U, 4U, 0U}) *to++ = hexDigits[character >> shift & 0xFU];
+  return to;
 }
 
 }  // namespace json

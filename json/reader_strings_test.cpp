@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "json/reader.h"
-#include "tests/unit/laid_out.h"
 #include "tests/unit/reader_state.h"
+#include "tests/unit/written.h"
 
 namespace json {
 namespace {
@@ -16,7 +16,7 @@ std::string inString(std::string_view bytes) {
   return "[\"" + std::string(bytes) + "\"]";
 }
 
-TEST(ReaderOfStrings, ControlCharactersInStringsAreRefused) {
+TEST(ReaderStrings, RejectsControlCharacters) {
   for (char byte = 0; byte < 0x20; ++byte) {
     EXPECT_EQ(state(inString(std::string(1, byte))), State::malformed) << static_cast<int>(byte);
     EXPECT_EQ(state(inString("\xC3\xA9" + std::string(1, byte))), State::malformed);
@@ -25,7 +25,7 @@ TEST(ReaderOfStrings, ControlCharactersInStringsAreRefused) {
   EXPECT_EQ(state(inString("\x7F")), State::complete);
 }
 
-TEST(ReaderOfStrings, EscapesAreTheEightShortOnesAndUnicode) {
+TEST(ReaderStrings, AcceptsEightShortEscapesAndUnicodeEscapes) {
   for (int value = 0; value < 256; ++value) {
     const char letter = static_cast<char>(value);
     const bool known =
@@ -37,7 +37,7 @@ TEST(ReaderOfStrings, EscapesAreTheEightShortOnesAndUnicode) {
   }
 }
 
-TEST(ReaderOfStrings, UnicodeEscapesHaveFourHexadecimalDigits) {
+TEST(ReaderStrings, UnicodeEscapesNeedFourHexadecimalDigits) {
   for (const char* digits : {"0000", "ffff", "FFFF", "aBcD", "00e9", "19aF"}) {
     EXPECT_EQ(state(inString(std::string("\\u") + digits)), State::complete) << digits;
   }
@@ -48,14 +48,14 @@ TEST(ReaderOfStrings, UnicodeEscapesHaveFourHexadecimalDigits) {
   EXPECT_EQ(state(inString("\\U0041")), State::malformed);
 }
 
-TEST(ReaderOfStrings, UnpairedSurrogateEscapesAreLetThrough) {
+TEST(ReaderStrings, AcceptsEscapesOfUnpairedSurrogates) {
   for (const char* escapes : {"\\ud800", "\\udfff", "\\udc00\\ud800", "\\ud800\\ud800",
                               R"(\ud800\u0041)", R"(\ud800\n)", R"(\ud800x)", R"(\ud800\\u0041)"}) {
     EXPECT_EQ(state(inString(escapes)), State::complete) << escapes;
   }
 }
 
-TEST(ReaderOfStrings, StringsMustBeUtf8) {
+TEST(ReaderStrings, RejectsIllFormedUtf8) {
   for (const char* bytes : {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xF4\x8F\xBF\xBF",
                             "\xED\x9F\xBF", "\xEE\x80\x80", "a\xC3\xA9\xC3\xA9z"}) {
     EXPECT_EQ(state(inString(bytes)), State::complete);
@@ -70,7 +70,7 @@ TEST(ReaderOfStrings, StringsMustBeUtf8) {
   }
 }
 
-TEST(ReaderOfStrings, ByteOrderMarkInAStringIsACharacter) {
+TEST(ReaderStrings, ByteOrderMarkInAStringIsACharacter) {
   EXPECT_EQ(compact("[\"\xEF\xBB\xBF\"]"), "[\"\xEF\xBB\xBF\"]");
 }
 

@@ -1,126 +1,71 @@
 #pragma once
 
-// Finds the next byte of a string that needs a second look. Most of the relay's time on big
-// messages is spent here or in memcpy.
+// Finds the bytes of a string that need more than copying. Big messages spend most of their time
+// here and in memcpy.
 
-#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-#include "json/block.h"
+#include "json/simd.h"
 
 namespace json {
 
-/// What a scan looks for.
-enum class StopAt : std::uint8_t {
-  unusual,       ///< in a string being read: `"`, `\`, control characters, non-ASCII
-  respelled,     ///< in a string that is well-formed: `\` and `/`, which may be spelled anew
-  mustBeEscaped  ///< in text to be quoted: `"`, `\`, `/`, control characters, and 0xED, which
-                 ///< begins the three bytes of an unpaired surrogate
-};
+/// How many bytes one mask covers.
+inline constexpr std::ptrdiff_t maskWidth = 64;
 
-template <StopAt stop>
-constexpr bool stopsAt(char c) {
-  const auto byte = static_cast<unsigned char>(c);
-  switch (stop) {
-    case StopAt::unusual: return c == '"' || c == '\\' || byte < 0x20 || byte >= 0x80;
-    case StopAt::respelled: return c == '\\' || c == '/';
-    case StopAt::mustBeEscaped: break;
-  }
-  return c == '"' || c == '\\' || c == '/' || byte < 0x20 || byte == 0xED;
+/// In a string that is being read: `"`, `\`, control characters and everything outside ASCII.
+inline Block needsCheck(Block bytes) {
+  return equal(bytes, '"') | equal(bytes, '\\') | isControlOrNonAscii(bytes);
 }
 
-/// Marks the bytes to stop at.
-template <StopAt stop>
-Block stopsOf(Block bytes) {
-  if constexpr (stop == StopAt::respelled) return either(equal(bytes, '\\'), equal(bytes, '/'));
-  const Block quoteOrBackslash = either(equal(bytes, '"'), equal(bytes, '\\'));
-  if constexpr (stop == StopAt::unusual) return either(quoteOrBackslash, unprintable(bytes));
-  const Block slashOrSurrogate = either(equal(bytes, '/'), equal(bytes, '\xED'));
-  return either(either(quoteOrBackslash, slashOrSurrogate), controls(bytes));
+inline Block isSlash(Block bytes) {
+  return equal(bytes, '/');
+}
+inline Block isBackslash(Block bytes) {
+  return equal(bytes, '\\');
+}
+inline Block isAnySlash(Block bytes) {
+  return isSlash(bytes) | isBackslash(bytes);
+}
+inline Block isLetterU(Block bytes) {
+  return equal(bytes, 'u');
 }
 
-/// How many bytes of the block come before the first to stop at: all if there is none.
-template <StopAt stop>
-std::ptrdiff_t cleanBytes(Block bytes) {
-  return unmarkedBefore(stopsOf<stop>(bytes));
+/// The mask of the 64 bytes at `from`: a bit for each, the first byte's lowest, set where `matches`
+/// holds.
+template <auto matches>
+std::uint64_t mask(const char* from) {
+  const auto block = [from](std::ptrdiff_t i) { return matches(load(from + i * blockSize)); };
+  return maskOf(block(0), block(1), block(2), block(3));
 }
 
-/// A bit for each of the 64 bytes at `from`, the first byte's lowest: set where to stop.
-template <StopAt stop>
-std::uint64_t stopsIn64(const char* from) {
-  return marksIn64(from, stopsOf<stop>);
+/// Calls `find(from, size)` with a copy, followed by zeroes up to 64 bytes.
+template <auto find>
+[[gnu::noinline, gnu::cold]] std::uint64_t findInCopy(const char* from, std::ptrdiff_t size) {
+  std::array<char, maskWidth> copy{};
+  std::memcpy(copy.data(), from, static_cast<std::size_t>(size));
+  return find(copy.data(), size);
 }
 
-/// A bit for each of the 64 bytes at `from`, the first byte's lowest: set where it is `c`.
-template <char c>
-std::uint64_t equalIn64(const char* from) {
-  return marksIn64(from, [](Block bytes) { return equal(bytes, c); });
+/// Returns the bits of `find(from, size)` for these bytes, 1 to 64. `find` may read 64 bytes; this
+/// function reads none at or after `readableEnd`, which is not before `from + size`.
+template <auto find>
+std::uint64_t findIn(const char* from, std::ptrdiff_t size, const char* readableEnd) {
+  const bool allReadable = readableEnd - from >= maskWidth;
+  const std::uint64_t found = allReadable ? find(from, size) : findInCopy<find>(from, size);
+  return found & ~std::uint64_t{0} >> (maskWidth - size);
 }
 
-/// Of the backslashes among 64 bytes, the first of which is not escaped itself, those that
-/// begin an escape: in each run of them every other one.
-constexpr std::uint64_t escapesAmong(std::uint64_t backslashes) {
-  constexpr std::uint64_t odd = 0xAAAA'AAAA'AAAA'AAAA;
-  // Subtracting a run from what follows it carries through the run; where it comes out tells
-  // whether the run began and ended at places of the same parity.
-  const std::uint64_t behind = backslashes << 1U;
-  const std::uint64_t escapedOrOdd = ((behind | odd) - backslashes) ^ odd;
-  return escapedOrOdd & backslashes;
-}
-
-/// How many bytes of the two blocks at `from` come before the first to stop at.
-template <StopAt stop>
-std::ptrdiff_t cleanBytesIn2(const char* from) {
-  const std::ptrdiff_t clean = cleanBytes<stop>(loadBlock(from));
-  return clean < blockSize ? clean : blockSize + cleanBytes<stop>(loadBlock(from + blockSize));
-}
-
-/// The first byte in [from, end) to stop at, or `end`.
-template <StopAt stop>
-const char* scan(const char* from, const char* end) {
-  while (end - from >= blockSize) {
-    const std::ptrdiff_t clean = cleanBytes<stop>(loadBlock(from));
-    from += clean;
-    if (clean < blockSize) return from;
-  }
-  while (from != end && !stopsAt<stop>(*from)) ++from;
-  return from;
-}
-
-/// Where a scan that copies has come to, in its source and in its copy.
-struct Copied {
-  const char* from;
-  char* to;
-};
-
-/// Copies bytes until one to stop at, or until `end`. It may read on to `readable`, and may
-/// write a block more than it copies.
-template <StopAt stop>
-Copied copyScan(const char* from, const char* end, const char* readable, char* to) {
-  while (readable - from >= blockSize) {
-    const Block block = loadBlock(from);
-    storeBlock(to, block);
-    const std::ptrdiff_t clean = std::min(cleanBytes<stop>(block), end - from);
-    from += clean;
-    to += clean;
-    if (clean < blockSize) return {from, to};
-  }
-  while (from != end && !stopsAt<stop>(*from)) *to++ = *from++;
-  return {from, to};
-}
-
-/// Copies `size` bytes. It may read on to `readable`, and may write a block more. For what is
-/// mostly short, this beats a call of memcpy.
-inline char* copyShort(const char* from, std::size_t size, const char* readable, char* to) {
-  const auto blocks = static_cast<std::ptrdiff_t>((size + blockSize - 1) / blockSize);
-  if (readable - from < blocks * blockSize) {
-    std::memcpy(to, from, size);
+/// Copies `size` bytes and returns the end of the copy. Reads no byte at or after `readableEnd`;
+/// may write up to a block more than it copies. Most copies are short: this beats memcpy.
+inline char* copyShort(const char* from, std::ptrdiff_t size, const char* readableEnd, char* to) {
+  const std::ptrdiff_t rounded = (size + blockSize - 1) / blockSize * blockSize;
+  if (readableEnd - from < rounded) {
+    std::memcpy(to, from, static_cast<std::size_t>(size));
   } else {
-    for (std::ptrdiff_t i = 0; i < blocks; ++i) {
-      storeBlock(to + i * blockSize, loadBlock(from + i * blockSize));
-    }
+    for (std::ptrdiff_t i = 0; i < rounded; i += blockSize) store(to + i, load(from + i));
   }
   return to + size;
 }

@@ -1,30 +1,29 @@
 #include "json/value.h"
 
-#include <algorithm>
-#include <charconv>
+#include <utf8.h>
 
-#include "json/escape.h"
-#include "json/text.h"
-#include "json/utf8.h"
+#include <charconv>
+#include <iterator>
+
+#include "json/unescape.h"
 
 namespace json {
 namespace {
 
 std::string decode(std::string_view token) {
-  Text decoded;
-  const char* from = token.data();
-  const char* const end = from + token.size();
-  while (from != end) {
-    const char* const escape = std::find(from, end, '\\');
-    decoded.append({from, escape});
-    from = escape;
-    if (from == end) break;
-    const auto [codePoint, length] = readEscape(from, end);
-    char* const to = decoded.room(4);
-    decoded.commit(static_cast<std::size_t>(writeUtf8(to, codePoint) - to));
-    from += length;
+  std::string decoded;
+  decoded.reserve(token.size());
+  const char* const end = token.data() + token.size();
+  for (const char* at = token.data(); at != end;) {
+    if (*at != '\\') {
+      decoded += *at++;
+      continue;
+    }
+    const auto [codePoint, length] = readEscape(at, end);
+    utf8::unchecked::append(codePoint, std::back_inserter(decoded));
+    at += length;
   }
-  return std::string(decoded.view());
+  return decoded;
 }
 
 }  // namespace
@@ -35,7 +34,7 @@ std::optional<Value> Value::member(std::string_view name) const {
   const Node* const end = node_->next();
   for (const Node* key = node_ + 1; key != end; key = (key + 1)->next()) {
     const Value given = at(key);
-    const bool same = key->isClean() ? given.token() == name : given.string() == name;
+    const bool same = key->hasEscapes() ? given.string() == name : given.token() == name;
     if (same) found = at(key + 1);
   }
   return found;
@@ -52,7 +51,7 @@ std::optional<std::int64_t> Value::integer() const {
 
 std::optional<std::string> Value::string() const {
   if (!isString()) return std::nullopt;
-  return node_->isClean() ? std::string(token()) : decode(token());
+  return node_->hasEscapes() ? decode(token()) : std::string(token());
 }
 
 Value emptyObject() {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "json/buffer.h"
+#include "common/buffer.h"
 #include "json/node.h"
 
 namespace json {
@@ -36,7 +36,7 @@ class Value {
 
   /// The text of the token: a string's without its quotes and as it was written.
   [[nodiscard]] std::string_view token() const {
-    return text_.substr(node_->begin(), node_->extent());
+    return text_.substr(node_->begin(), node_->length());
   }
 
   /// A value of the same message.
@@ -55,14 +55,15 @@ class Value {
 class Document {
  public:
   /// `nodes` are of the whole of `text` and hold at least the top-level value.
-  Document(std::string_view text, Buffer<Node> nodes) : text_(text), nodes_(std::move(nodes)) {}
+  Document(std::string_view text, common::Buffer<Node> nodes)
+      : text_(text), nodes_(std::move(nodes)) {}
 
   /// The top-level value, an object or an array.
   [[nodiscard]] Value root() const { return {text_, nodes_.data()}; }
 
  private:
   std::string_view text_;
-  Buffer<Node> nodes_;
+  common::Buffer<Node> nodes_;
 };
 
 /// An object without members, for ever.

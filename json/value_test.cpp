@@ -147,7 +147,7 @@ TEST(Value, TokenIsAsItWasWritten) {
 TEST(EmptyObject, HasNoMembers) {
   EXPECT_TRUE(emptyObject().isObject());
   EXPECT_FALSE(emptyObject().member(""));
-  EXPECT_EQ(emptyObject().node()->extent(), 0U);
+  EXPECT_EQ(emptyObject().node()->descendants(), 0U);
 }
 
 }  // namespace

@@ -8,8 +8,8 @@
 
 #include "catalogue/tool_definitions.h"
 #include "server/server.h"
-#include "tests/unit/laid_out.h"
 #include "tests/unit/reply_of.h"
+#include "tests/unit/written.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ class Handle : public testing::Test {
     server::handle(document.value().root(),
                    {.callApp =
                         [this](std::string_view tool, json::Value arguments) {
-                          json::Text text;
+                          common::Bytes text;
                           json::appendCompact(text, arguments);
                           calls.push_back(std::string(tool) + std::string(text.view()));
                           return bridge::callResult(answered(appReply));
@@ -174,11 +174,11 @@ TEST_F(Handle, FailureIsATextThatIsMarkedAsAnError) {
             R"("text":"No \"drive\" at a\/b.\n"}],"isError":true}})");
 }
 
-TEST_F(Handle, UnpairedSurrogatesComeThrough) {
+TEST_F(Handle, UnpairedSurrogatesStayInAnIdAndAreReplacedInAMessage) {
   appReply = R"({"ok":false,"error":"\ud800"})";
   EXPECT_EQ(reply(R"({"id":"\udfff","method":"tools/call"})"),
             R"({"jsonrpc":"2.0","id":"\udfff","result":{"content":[{"type":"text",)"
-            R"("text":"\ud800"}],"isError":true}})");
+            "\"text\":\"\xEF\xBF\xBD\"}],\"isError\":true}}");
 }
 
 TEST_F(Handle, EveryReplyIsOneLine) {

@@ -1,17 +1,13 @@
 #include "server/line_reader.h"
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
 
+#include "server/descriptor_wait.h"
+
 namespace server {
 namespace {
-
-void waitUntilReadable(int descriptor) {
-  pollfd wait{.fd = descriptor, .events = POLLIN, .revents = 0};
-  poll(&wait, 1, -1);
-}
 
 std::string_view withoutCarriageReturn(std::string_view line) {
   if (line.ends_with('\r')) line.remove_suffix(1);
@@ -55,15 +51,15 @@ bool LineReader::readMore() {
     }
     if (count == 0) return false;
     if (errno == EAGAIN || errno == EWOULDBLOCK) {
-      waitUntilReadable(input_);
+      wait(input_, Until::readable);
     } else if (errno != EINTR) {
       return false;
     }
   }
 }
 
-/// The room of a big line stays for the next one, as big lines seldom come alone; once small
-/// ones have come after it, the system gets it back.
+/// Keeps the memory of a big line, because big lines seldom come alone. After small lines it is
+/// freed.
 void LineReader::dropTakenLines() {
   constexpr std::size_t big = 1U << 20U;
   constexpr std::size_t mostToKeep = 32U << 20U;
@@ -71,7 +67,7 @@ void LineReader::dropTakenLines() {
   if (bytes_.capacity() <= keep) {
     bytes_.dropFront(begin_);
   } else if (begin_ > 0) {
-    json::Text fresh;
+    common::Bytes fresh;
     fresh.append(rest());
     bytes_ = std::move(fresh);
   }

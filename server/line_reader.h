@@ -5,24 +5,23 @@
 #include <optional>
 #include <string_view>
 
-#include "json/text.h"
+#include "common/bytes.h"
 
 namespace server {
 
-/// Splits what comes in on a file descriptor into lines, which may be as long as memory
-/// allows. For one thread.
+/// Splits the bytes of a file descriptor into lines, which may be as long as memory allows. For one
+/// thread.
 class LineReader {
  public:
-  /// The descriptor stays the caller's; it may be one that refuses to block.
+  /// The caller owns the descriptor, which may be non-blocking.
   explicit LineReader(int input) : input_(input) {}
 
-  /// The next line without its end, which is a line feed or a carriage return and a line
-  /// feed; the last line may lack it. None at the end of input, or when reading fails. Waits
-  /// for the line to be there. Valid until the next call.
+  /// Waits for the next line and returns it without its end: a line feed, or a carriage return and
+  /// a line feed. The last line may lack its end. None at the end of input or when reading fails.
+  /// Valid until the next call.
   ///
-  /// While a long line is still coming in, `partial` is given its beginning, again and again as
-  /// it grows and moves, and never with a carriage return that may turn out to be the line's
-  /// end.
+  /// While a long line arrives, `partial` gets its beginning, again after each read. The beginning
+  /// grows, may move, and never ends with a carriage return that may be part of the line's end.
   std::optional<std::string_view> next(
       const std::function<void(std::string_view beginning)>& partial);
 
@@ -33,8 +32,8 @@ class LineReader {
   void dropTakenLines();
 
   int input_;
-  json::Text bytes_;
-  std::size_t begin_ = 0;  // of the line that comes next
+  common::Bytes bytes_;
+  std::size_t begin_ = 0;  // of the next line
 };
 
 }  // namespace server

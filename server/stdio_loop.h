@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <functional>
 #include <string_view>
+#include <utility>
 
 #include "json/reader.h"
 #include "json/value.h"
@@ -10,16 +10,16 @@
 
 namespace server {
 
-/// Reads lines and hands each that is a JSON object to the dispatcher; every other line is
-/// dropped without a word. Nothing is carried from one line to the next. For one thread.
+/// Reads lines and passes each that is a JSON object to the dispatcher. Every other line is dropped
+/// silently. Keeps no state between lines. For one thread.
 class StdioLoop {
  public:
-  /// Reads from the descriptor `input`, which stays the caller's. `handle` is called for one
-  /// object at a time, which is valid until it returns.
+  /// Reads from the descriptor `input`, which the caller owns. `handle` gets one object at a time,
+  /// which is valid until it returns.
   StdioLoop(int input, std::function<void(json::Value request)> handle)
       : lines_(input), handle_(std::move(handle)) {}
 
-  /// Returns at the end of input, when the last line has been handled.
+  /// Returns at the end of input, after the last line has been handled.
   void run();
 
  private:

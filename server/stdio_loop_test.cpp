@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "json/layout.h"
+#include "json/writer.h"
 #include "tests/unit/pipe.h"
 
 namespace {
@@ -20,7 +20,7 @@ Handled handledInPieces(const std::vector<std::string>& pieces) {
   std::thread writer = writeInPieces(pipe, pieces);
   Handled all;
   server::StdioLoop(pipe.readEnd(), [&](json::Value request) {
-    json::Text text;
+    common::Bytes text;
     json::appendCompact(text, request);
     all.emplace_back(text.view());
   }).run();

@@ -1,42 +1,57 @@
-#include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstddef>
 
+#include "server/descriptor_wait.h"
 #include "server/server.h"
 
 namespace server {
 namespace {
 
-bool mayBeTriedAgain(int error) {
-  return error == EINTR || error == EAGAIN || error == EWOULDBLOCK;
-}
+enum class Written : unsigned char { all, some, nothing };
 
-/// Some hosts hand over pipes that refuse to block.
-void waitUntilWritable(int descriptor) {
-  pollfd wait{.fd = descriptor, .events = POLLOUT, .revents = 0};
-  poll(&wait, 1, -1);
-}
-
-/// False if the other end is gone: then nobody is left to be answered.
-bool writeAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-    if (written >= 0) {
-      bytes.remove_prefix(static_cast<std::size_t>(written));
-    } else if (!mayBeTriedAgain(errno)) {
-      return false;
+/// Writes everything, also to a pipe that does not block, unless a write fails.
+Written write(std::string_view bytes) {
+  constexpr std::size_t most = std::size_t{1} << 30U;  // macOS refuses more than INT_MAX
+  std::size_t written = 0;
+  while (written < bytes.size()) {
+    const std::size_t size = std::min(bytes.size() - written, most);
+    const ssize_t count = ::write(STDOUT_FILENO, bytes.data() + written, size);
+    if (count >= 0) {
+      written += static_cast<std::size_t>(count);
+    } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
+      wait(STDOUT_FILENO, Until::writable);
     } else if (errno != EINTR) {
-      waitUntilWritable(descriptor);
+      return written > 0 ? Written::some : Written::nothing;
     }
   }
-  return true;
+  return Written::all;
+}
+
+/// Where the output stands after a write that failed.
+enum class Line : unsigned char {
+  ended,         ///< the next reply starts a line
+  lacksItsFeed,  ///< the last reply is whole, but its line feed is missing
+  cutOff         ///< part of a reply was written: nothing after it could be understood
+};
+Line line = Line::ended;
+
+void endLine() {
+  line = write("\n") == Written::all ? Line::ended : Line::lacksItsFeed;
 }
 
 }  // namespace
 
 void writeReply(std::string_view reply) {
-  if (writeAll(STDOUT_FILENO, reply)) writeAll(STDOUT_FILENO, "\n");
+  if (line == Line::lacksItsFeed) endLine();
+  if (line != Line::ended) return;
+  switch (write(reply)) {
+    case Written::all: return endLine();
+    case Written::some: line = Line::cutOff; break;
+    case Written::nothing: break;
+  }
 }
 
 }  // namespace server

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+#include "common/bytes.h"
+
+namespace json {
+
+/// Room at the end of the output. The position of the next byte is passed from function to
+/// function rather than stored, so that it stays in a register.
+class Room {
+ public:
+  explicit Room(common::Bytes& out) : out_(out), begin_(out.room(0)), limit_(begin_) {}
+
+  [[nodiscard]] char* begin() const { return begin_; }
+
+  /// Ensures room for `size` bytes at `to`, which may move.
+  char* reserve(char* to, std::size_t size) {
+    return static_cast<std::size_t>(limit_ - to) < size ? grow(to, size) : to;
+  }
+
+  /// Makes everything before `to` part of the output.
+  void commit(char* to) { out_.commit(static_cast<std::size_t>(to - begin_)); }
+
+ private:
+  char* grow(char* to, std::size_t size) {
+    constexpr std::size_t leastRoom = 256;
+    commit(to);
+    begin_ = out_.room(std::max(size, leastRoom));
+    limit_ = begin_ + (out_.capacity() - out_.size());
+    return begin_;
+  }
+
+  common::Bytes& out_;
+  char* begin_;
+  char* limit_;
+};
+
+}  // namespace json

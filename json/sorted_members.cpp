@@ -1,0 +1,82 @@
+#include "json/sorted_members.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <string>
+
+#include "json/value.h"
+
+namespace json {
+namespace {
+
+/// The first eight of the `size` bytes at `from`, the first one the highest, padded with zeroes.
+/// Reads no byte at or after `readableEnd`.
+std::uint64_t firstEightBytes(const char* from, std::size_t size, const char* readableEnd) {
+  std::uint64_t key = 0;
+  constexpr std::size_t eight = sizeof key;
+  if (readableEnd - from >= static_cast<std::ptrdiff_t>(eight)) {
+    std::memcpy(&key, from, eight);
+  } else {
+    std::memcpy(&key, from, std::min(size, eight));
+  }
+  if constexpr (std::endian::native == std::endian::little) key = std::byteswap(key);
+  if (size >= eight) return key;
+  return size == 0 ? 0 : key & ~std::uint64_t{0} << 8 * (eight - size);
+}
+
+/// Most objects have few members, and for these std::sort costs more than all the rest.
+void sortFew(auto begin, auto end, auto isBefore) {
+  constexpr std::ptrdiff_t few = 16;
+  if (end - begin > few) return std::sort(begin, end, isBefore);
+  for (auto next = begin; next != end; ++next) {
+    for (auto place = next; place != begin && isBefore(*place, *(place - 1)); --place) {
+      std::iter_swap(place, place - 1);
+    }
+  }
+}
+
+}  // namespace
+
+std::uint64_t SortedMembers::keyOf(const Node* name) const {
+  const Value value(text_, name);
+  if (!name->hasEscapes()) {
+    return firstEightBytes(value.token().data(), name->length(), text_.data() + text_.size());
+  }
+  const std::string decoded = value.string().value_or("");
+  return firstEightBytes(decoded.data(), decoded.size(), decoded.data() + decoded.size());
+}
+
+/// Below, at or above 0.
+int SortedMembers::compareNames(const Node* a, const Node* b) const {
+  const Value nameOfA(text_, a);
+  const Value nameOfB(text_, b);
+  if (!a->hasEscapes() && !b->hasEscapes()) return nameOfA.token().compare(nameOfB.token());
+  return nameOfA.string().value_or("").compare(nameOfB.string().value_or(""));
+}
+
+std::size_t SortedMembers::enter(const Node* object, Order order) {
+  const std::size_t first = members_.size();
+  const Node* const end = object->next();
+  for (const Node* name = object + 1; name != end; name = (name + 1)->next()) {
+    members_.push_back({.name = name, .key = keyOf(name)});
+  }
+  const auto begin = members_.begin() + static_cast<std::ptrdiff_t>(first);
+  // The last of a repeated name comes first, and so is the one that unique() keeps.
+  sortFew(begin, members_.end(), [this](const Member& a, const Member& b) {
+    if (a.key != b.key) return a.key < b.key;  // almost always
+    const int names = compareNames(a.name, b.name);
+    return names != 0 ? names < 0 : a.name > b.name;
+  });
+  const auto sameName = [this](const Member& a, const Member& b) {
+    return a.key == b.key && compareNames(a.name, b.name) == 0;
+  };
+  members_.erase(std::unique(begin, members_.end(), sameName), members_.end());
+  if (order == Order::asGiven) {
+    sortFew(begin, members_.end(),
+            [](const Member& a, const Member& b) { return a.name < b.name; });
+  }
+  return first;
+}
+
+}  // namespace json

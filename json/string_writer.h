@@ -1,0 +1,70 @@
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+#include "json/escape.h"
+#include "json/scan.h"
+#include "json/unescape.h"
+
+namespace json {
+
+/// How far a copy has come, in its source and in its destination.
+struct Copied {
+  const char* from;
+  char* to;
+};
+
+/// Writes a slash, or the escape that starts at `from`, in this writer's way.
+template <Escaping escaping>
+Copied writeEscaped(const char* from, const char* end, char* to) {
+  if (*from == '/') return {from + 1, writeAscii<escaping>(to, '/')};
+  if (from[1] != 'u') return {from + 2, writeAscii<escaping>(to, shortEscape(from[1]))};
+  const Escape escape = readEscape(from, end);
+  return {from + escape.length, writeCharacter<escaping>(to, escape.codePoint)};
+}
+
+/// Whether an odd number of backslashes precedes `at`. The byte at `begin` is not escaped.
+inline bool isEscaped(const char* begin, const char* at) {
+  const char* run = at;
+  while (run != begin && run[-1] == '\\') --run;
+  return (at - run) % 2 != 0;
+}
+
+/// The mask of the bytes that copyEscaped() may have to write in another way.
+template <Escaping escaping>
+std::uint64_t findToEscape(const char* from, std::ptrdiff_t size) {
+  if constexpr (escaping == Escaping::twice) return mask<isAnySlash>(from);
+  // Short escapes are kept. Only one that crosses the end counts, whatever its letter.
+  const bool crossesEnd = from[size - 1] == '\\' && !isEscaped(from, from + size - 1);
+  const std::uint64_t unicode = mask<isBackslash>(from) & mask<isLetterU>(from) >> 1U;
+  return mask<isSlash>(from) | unicode | std::uint64_t{crossesEnd} << (size - 1);
+}
+
+/// Copies at most 64 bytes from inside a well-formed string that ends at `end`, or a little
+/// further if an escape crosses their end. Escapes can be spelled in several ways; the copy has
+/// this writer's. Reads no byte at or after `readableEnd`. A byte can become four, and up to a
+/// block more may be touched.
+template <Escaping escaping>
+Copied copyEscaped(const char* from, std::ptrdiff_t size, const char* end, const char* readableEnd,
+                   char* to) {
+  const char* const begin = from;
+  std::uint64_t stops = findIn<findToEscape<escaping>>(begin, size, readableEnd);
+  // Walking one bit mask avoids mispredicted branches.
+  while (stops != 0) {
+    const char* const at = begin + std::countr_zero(stops);
+    stops &= stops - 1;
+    if (escaping == Escaping::once && isEscaped(from, at)) continue;
+    to = copyShort(from, at - from, readableEnd, to);
+    const Copied written = writeEscaped<escaping>(at, end, to);
+    from = written.from;
+    to = written.to;
+    if (from - begin >= size) return {from, to};
+    stops &= ~std::uint64_t{0} << (from - begin);
+  }
+  return {begin + size, copyShort(from, begin + size - from, readableEnd, to)};
+}
+
+}  // namespace json

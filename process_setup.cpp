@@ -1,0 +1,42 @@
+#include "process_setup.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdlib>  // defines __GLIBC__ where that is the C library
+#include <exception>
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
+namespace {
+
+void openMissingStandardStreams() {
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    // open() returns the lowest free number.
+    if (fcntl(stream, F_GETFD) == -1) open("/dev/null", O_RDWR);
+  }
+}
+
+#ifdef __GLIBC__
+
+void keepMemoryOfBigMessages() {
+  constexpr int mebibyte = 1 << 20;
+  mallopt(M_MMAP_THRESHOLD, 32 * mebibyte);
+  mallopt(M_TRIM_THRESHOLD, 32 * mebibyte);
+}
+
+#else
+
+void keepMemoryOfBigMessages() {}  // other allocators have no such settings
+
+#endif
+
+}  // namespace
+
+void setUpProcess() {
+  openMissingStandardStreams();
+  std::set_terminate(std::abort);
+  keepMemoryOfBigMessages();
+}
