@@ -45,7 +45,7 @@ TEST_F(Catalogue, HasElevenToolsInItsOrder) {
 TEST_F(Catalogue, IsAsReviewedWithEveryMemberInItsPlace) {
   say(request("tools/list"));
   EXPECT_EQ(ordered_json::parse(hearLine()).at("result").dump(2), reviewed().dump(2))
-      << "If agents are meant to see this difference, run scripts/update-tools.";
+      << "If agents are meant to see this difference, change catalogue/tools.json too.";
 }
 
 TEST_F(Catalogue, DescriptionsHaveTheirPublishedLengths) {
