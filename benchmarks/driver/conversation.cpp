@@ -1,79 +1,82 @@
 #include "benchmarks/driver/conversation.h"
 
-#include <poll.h>
+#include <fcntl.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
-#include <csignal>
+#include <cerrno>
+#include <fstream>
 #include <stdexcept>
+#include <system_error>
 
-#include "benchmarks/driver/start_child.h"
+extern char** environ;  // NOLINT(readability-redundant-declaration): not everywhere declared
 
 namespace {
 
-constexpr int patienceMilliseconds = 60'000;
-
-struct Pipe {
-  Descriptor reader, writer;
-};
-
-Pipe makePipe() {
+// The reading and the writing end, which a child process does not inherit.
+std::array<int, 2> makePipe() {
   std::array<int, 2> ends{};
-  if (::pipe(ends.data()) != 0) throw std::runtime_error("no pipe can be made");
-  return {.reader = Descriptor(ends[0]), .writer = Descriptor(ends[1])};
+  if (::pipe(ends.data()) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
+  for (const int end : ends) ::fcntl(end, F_SETFD, FD_CLOEXEC);
+  return ends;
+}
+
+pid_t start(const std::vector<std::string>& command, int input, int output) {
+  std::vector<char*> words(command.size() + 1);  // the last stays null
+  std::ranges::transform(command, words.begin(),
+                         [](const std::string& word) { return const_cast<char*>(word.c_str()); });
+  posix_spawn_file_actions_t streams;
+  ::posix_spawn_file_actions_init(&streams);
+  ::posix_spawn_file_actions_adddup2(&streams, input, STDIN_FILENO);
+  ::posix_spawn_file_actions_adddup2(&streams, output, STDOUT_FILENO);
+  pid_t process = -1;
+  const int error = ::posix_spawnp(&process, words[0], &streams, nullptr, words.data(), environ);
+  ::posix_spawn_file_actions_destroy(&streams);
+  if (error != 0) throw std::system_error(error, std::generic_category(), "cannot start it");
+  return process;
 }
 
 }  // namespace
 
-Conversation::Conversation(const Contestant& contestant, const std::string& home)
-    : name_(contestant.name), received_(4096, '\0') {
-  Pipe in = makePipe();
-  Pipe out = makePipe();
-  process_ =
-      startChild(contestant.command, home, {.input = in.reader.get(), .output = out.writer.get()});
-  input_ = std::move(in.writer);
-  output_ = std::move(out.reader);
+Conversation::Conversation(const std::vector<std::string>& command) : received_(4096, '\0') {
+  const std::array<int, 2> in = makePipe();
+  const std::array<int, 2> out = makePipe();
+  process_ = start(command, in[0], out[1]);
+  ::close(in[0]);
+  ::close(out[1]);
+  input_ = in[1];
+  output_ = out[0];
 }
 
 Conversation::~Conversation() {
-  input_.reset();
-  output_.reset();
+  ::close(input_);
+  ::close(output_);
   ::waitpid(process_, nullptr, 0);
 }
 
 std::string_view Conversation::ask(std::string_view line) {
-  send(line);
-  return receive();
-}
-
-std::string_view Conversation::initialize() {
-  return ask(
-      R"({"jsonrpc":"2.0","id":1,"method":"initialize","params":{"protocolVersion":"2024-11-05",)"
-      R"("capabilities":{},"clientInfo":{"name":"quillmark-benchmark","version":"1.0.0"}}})"
-      "\n");
-}
-
-void Conversation::send(std::string_view line) {
   while (!line.empty()) {
-    const ssize_t count = ::write(input_.get(), line.data(), line.size());
-    if (count <= 0) throw std::runtime_error(name_ + " stopped reading");
+    const ssize_t count = ::write(input_, line.data(), line.size());
+    if (count <= 0) throw std::runtime_error("stopped reading");
     line.remove_prefix(static_cast<std::size_t>(count));
   }
-}
-
-std::string_view Conversation::receive() {
   std::size_t size = 0;
   while (size == 0 || received_[size - 1] != '\n') {
     if (size == received_.size()) received_.resize(2 * size);
-    pollfd waiting{.fd = output_.get(), .events = POLLIN, .revents = 0};
-    if (::poll(&waiting, 1, patienceMilliseconds) <= 0) {
-      ::kill(process_, SIGKILL);
-      throw std::runtime_error(name_ + " didn't answer within a minute");
-    }
-    const ssize_t count = ::read(output_.get(), received_.data() + size, received_.size() - size);
-    if (count <= 0) throw std::runtime_error(name_ + " ended without an answer");
+    const ssize_t count = ::read(output_, received_.data() + size, received_.size() - size);
+    if (count <= 0) throw std::runtime_error("ended without an answer");
     size += static_cast<std::size_t>(count);
   }
   return std::string_view(received_).substr(0, size - 1);
+}
+
+double Conversation::memory(std::string_view which) const {
+  std::ifstream status("/proc/" + std::to_string(process_) + "/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with(which)) return std::stod(line.substr(which.size() + 1)) * 1024;
+  }
+  return 0;
 }

@@ -4,38 +4,30 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "benchmarks/driver/contestant.h"
-#include "benchmarks/driver/descriptor.h"
-#include "benchmarks/driver/resident_memory.h"
-
-/// One run of a contestant, spoken to over two pipes as an agent host would. Every member throws
-/// std::runtime_error when the contestant doesn't answer within a minute or has gone. At the end
-/// its input is closed and its exit awaited.
+/// One run of a server, spoken to over two pipes as an agent host would. Members throw
+/// std::runtime_error when the server cannot be started or goes away. The destructor closes the
+/// server's input and waits for its exit.
 class Conversation {
  public:
-  /// Starts the contestant with this folder as its home.
-  Conversation(const Contestant& contestant, const std::string& home);
+  /// The command is a program, found through PATH, and its arguments.
+  explicit Conversation(const std::vector<std::string>& command);
   ~Conversation();
   Conversation(const Conversation&) = delete;
   Conversation& operator=(const Conversation&) = delete;
 
-  /// Writes a line, which carries its line feed, and returns the one line that answers it,
-  /// without its line feed; valid until the next one. Lines are told apart by nothing but a line
-  /// feed at the end of what came, so that reading costs next to nothing.
+  /// Writes a line, which ends with its line feed, and returns the line that answers it, without
+  /// its line feed; valid until the next call. An answer ends where a read ends with a line feed,
+  /// so that reading costs next to nothing.
   std::string_view ask(std::string_view line);
 
-  /// Says hello as every host does first. Returns the answer.
-  std::string_view initialize();
-
-  ResidentMemory memory() const { return residentMemory(process_); }
+  /// The server's memory in bytes, now ("VmRSS") or at its highest so far ("VmHWM"); 0 on systems
+  /// without /proc.
+  double memory(std::string_view which) const;
 
  private:
-  void send(std::string_view line);
-  std::string_view receive();
-
-  std::string name_;
-  Descriptor input_, output_;  // the contestant's own, seen from here
+  int input_ = -1, output_ = -1;  // the server's own, seen from here
   pid_t process_ = -1;
   std::string received_;
 };

@@ -1,90 +1,79 @@
-// quillmark-benchmark: measures servers side by side.
+// Measures servers side by side and prints the medians as a Markdown table.
 //
-//   quillmark-benchmark [OPTION...] NAME=COMMAND...
+//   quillmark-benchmark ROUNDS WORDS NAME=COMMAND...
+//
+// Takes in each round the measures whose names contain WORDS. A command is split at blanks.
 
 #include <csignal>
-#include <fstream>
+#include <cstdlib>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "benchmarks/driver/growth.h"
 #include "benchmarks/driver/measures.h"
-#include "benchmarks/driver/plot.h"
-#include "benchmarks/driver/setting.h"
+#include "benchmarks/driver/placement.h"
 #include "benchmarks/driver/table.h"
+#include "tests/support/endpoint_file.h"
+#include "tests/support/temporary_home.h"
 
 namespace {
 
-constexpr std::string_view usage =
-    "usage: quillmark-benchmark [OPTION...] NAME=COMMAND...\n"
-    "\n"
-    "Drives each server in turn over pipes, against an application of its own, and prints the\n"
-    "median of each measure, with its ratio to the contestant named floor if there is one.\n"
-    "\n"
-    "  --rounds N       samples of the slow measures (20); the quick ones take more\n"
-    "  --only WORDS     takes just the measures whose names hold these words\n"
-    "  --plot FILE.svg  draws the cost per byte against the size\n"
-    "  --check          checks the answers only, and times nothing\n";
-
-struct Options {
-  int rounds = 20;
-  std::string only;
-  bool checkOnly = false;
-  std::string plot;
-  std::vector<Contestant> contestants;
-};
-
-// Throws std::logic_error (of one kind or another) when the words make no sense.
-Options parseOptions(const std::vector<std::string>& words) {
-  Options options;
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    if (words[i] == "--rounds") {
-      options.rounds = std::stoi(words.at(++i));
-    } else if (words[i] == "--only") {
-      options.only = words.at(++i);
-    } else if (words[i] == "--plot") {
-      options.plot = words.at(++i);
-    } else if (words[i] == "--check") {
-      options.checkOnly = true;
-    } else {
-      options.contestants.push_back(parseContestant(words[i]));
-    }
-  }
-  if (options.contestants.empty()) throw std::invalid_argument("no contestant is named");
-  if (options.rounds < 1) throw std::invalid_argument("--rounds takes a number from 1 up");
-  return options;
+Competitor parseCompetitor(const std::string& text) {
+  std::istringstream words(text);
+  Competitor competitor;
+  std::getline(words, competitor.name, '=');
+  for (std::string word; words >> word;) competitor.command.push_back(word);
+  if (competitor.command.empty()) throw std::invalid_argument("not NAME=COMMAND: " + text);
+  return competitor;
 }
 
-void run(const Options& options) {
-  Setting setting(options.contestants, options.rounds);
-  if (options.checkOnly) {
-    checkAnswers(setting);
-    std::cout << "All answers are right.\n";
-    return;
+Cost runServer(const Measure& measure, const Competitor& competitor) try {
+  return measure.run(competitor);
+} catch (const std::exception& error) {
+  throw std::runtime_error(competitor.name + ", " + measure.name + ": " + error.what());
+}
+
+// The servers take turns with each measure, so that whatever slows the machine for a while slows
+// all of them.
+void runRound(std::vector<Measure>& measures, const std::vector<Competitor>& competitors) {
+  for (Measure& measure : measures) {
+    measure.costs.resize(competitors.size());
+    for (int run = 0; run < measure.runs; ++run) {
+      for (std::size_t i = 0; i < competitors.size(); ++i) {
+        measure.costs[i].push_back(runServer(measure, competitors[i]));
+      }
+    }
   }
-  std::cout << measureTable(setting.contestants, takeMeasures(setting, options.only)) << '\n'
-            << std::flush;
-  if (!options.only.empty()) return;
-  const std::vector<Growth> growths = measureGrowth(setting);
-  std::cout << growthTable(setting.contestants, growths);
-  if (options.plot.empty()) return;
-  std::ofstream file(options.plot);
-  file << growthPlot(setting.contestants, growths);
-  if (!file.flush()) throw std::runtime_error("cannot write " + options.plot);
+}
+
+void run(const std::vector<std::string>& words) {
+  if (words.size() < 3) throw std::invalid_argument("wants ROUNDS WORDS NAME=COMMAND...");
+  const int rounds = std::stoi(words[0]);
+  std::vector<Competitor> competitors;
+  for (std::size_t i = 2; i < words.size(); ++i) competitors.push_back(parseCompetitor(words[i]));
+
+  const TemporaryHome home;
+  Application application;
+  ::setenv("HOME", home.home().c_str(), 1);
+  EndpointFile(home).publish(application.port(), appToken);
+  separateFrom(application.thread());
+
+  std::vector<Measure> measures = allMeasures(application);
+  std::erase_if(measures, [&](const Measure& m) { return !m.name.contains(words[1]); });
+  for (int round = 0; round < rounds; ++round) runRound(measures, competitors);
+  printTable(competitors, measures);
 }
 
 }  // namespace
 
 int main(int count, char** words) {
-  std::signal(SIGPIPE, SIG_IGN);  // a contestant that goes away is reported, not fatal
+  // A write to a server that has gone fails and is reported. Servers don't inherit a handler.
+  std::signal(SIGPIPE, [](int) {});
   try {
-    run(parseOptions({words + 1, words + count}));
+    run({words + 1, words + count});
     return 0;
-  } catch (const std::logic_error& error) {
-    std::cerr << "quillmark-benchmark: " << error.what() << "\n\n" << usage;
-    return 2;
   } catch (const std::exception& error) {
     std::cerr << "quillmark-benchmark: " << error.what() << '\n';
     return 1;

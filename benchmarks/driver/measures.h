@@ -1,24 +1,22 @@
 #pragma once
 
+#include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "benchmarks/driver/setting.h"
+#include "benchmarks/driver/call_meter.h"
 
-enum class Unit { time, memory };  // in nanoseconds, and in bytes
-
-/// One thing measured: a value for each contestant, in the setting's order; 0 where there is none.
+/// A row of a table: what is measured, in the same way for every competitor.
 struct Measure {
-  std::string what;
-  Unit unit;
-  std::vector<double> values;
+  std::string name;
+  double Cost::* value;  // what is shown of the costs
+  /// Runs a server. Throws when it writes something wrong.
+  std::function<Cost(const Competitor&)> run;
+  int runs = 1;       // in each round
+  int megabytes = 0;  // of the message, if time and memory are shown per byte
+
+  std::vector<std::vector<Cost>> costs{};  // of each competitor, as they were measured
 };
 
-/// Takes the measures whose names hold `words`, all of them if it is empty, in the order in which
-/// they are shown. Throws std::runtime_error at the first wrong answer.
-std::vector<Measure> takeMeasures(Setting& setting, std::string_view words);
-
-/// Makes every kind of call once with every contestant and checks the answers, without timing
-/// anything. Throws std::runtime_error at the first wrong one.
-void checkAnswers(Setting& setting);
+/// All measures, in the order in which they are shown. The application must outlive them.
+std::vector<Measure> allMeasures(Application& application);

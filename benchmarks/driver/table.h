@@ -1,16 +1,9 @@
 #pragma once
 
-#include <string>
 #include <vector>
 
-#include "benchmarks/driver/growth.h"
 #include "benchmarks/driver/measures.h"
 
-/// Tables in Markdown, with columns lined up to be read as they stand. A ratio is to the floor's
-/// value; where there is no floor there are no ratios.
-std::string measureTable(const std::vector<Contestant>& contestants,
-                         const std::vector<Measure>& measures);
-
-/// A row for each size: nanoseconds and bytes of memory per byte of the message.
-std::string growthTable(const std::vector<Contestant>& contestants,
-                        const std::vector<Growth>& growths);
+/// Prints a Markdown table with a row for each measure and a column for each competitor: the
+/// medians of the costs, and their ratio to the first competitor's unless they are per byte.
+void printTable(const std::vector<Competitor>& competitors, const std::vector<Measure>& measures);
