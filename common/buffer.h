@@ -88,8 +88,7 @@ class Buffer {
     constexpr std::size_t most = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(T);
     constexpr std::size_t least = 256 / sizeof(T);
     if (count > most - size_) throw std::bad_alloc();
-    const std::size_t doubled = capacity_ > most / 2 ? most : capacity_ * 2;
-    const std::size_t capacity = std::max({size_ + count, doubled, least});
+    const std::size_t capacity = std::max({size_ + count, 2 * capacity_, least});
     void* grown = std::realloc(items_.get(), capacity * sizeof(T));
     if (grown == nullptr) throw std::bad_alloc();
     static_cast<void>(items_.release());  // realloc has freed or moved it
