@@ -6,11 +6,13 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <string_view>
 #include <utility>
 
 #include "bridge/home_directory.h"
 #include "common/bytes.h"
 #include "json/reader.h"
+#include "json/value.h"
 
 namespace bridge {
 namespace {

@@ -1,11 +1,14 @@
 #include "bridge/launch.h"
 
-#include <fcntl.h>
 #include <spawn.h>
 #include <unistd.h>
 
 #include <array>
 #include <csignal>
+
+#ifdef __APPLE__
+#include <fcntl.h>
+#endif
 
 extern char** environ;  // NOLINT(readability-redundant-declaration): not every system's headers do
 

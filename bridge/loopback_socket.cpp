@@ -1,6 +1,5 @@
 #include "bridge/loopback_socket.h"
 
-#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -10,6 +9,10 @@
 #include <cerrno>
 #include <chrono>
 #include <limits>
+
+#ifdef __APPLE__
+#include <fcntl.h>
+#endif
 
 namespace bridge {
 namespace {

@@ -1,3 +1,5 @@
+#include <vector>
+
 #include "catalogue/agent_protocol.h"
 
 namespace AgentProtocol {
