@@ -1,3 +1,4 @@
+#include <string_view>
 #include <vector>
 
 #include "catalogue/agent_protocol.h"
