@@ -19,7 +19,7 @@ namespace {
 
 class File {
  public:
-  /// O_NONBLOCK because opening a named pipe in the file's place would wait for ever.
+  /// O_NONBLOCK because opening a named pipe would wait for a writer.
   explicit File(const std::string& path)
       : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
   File(const File&) = delete;

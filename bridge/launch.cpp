@@ -10,7 +10,7 @@
 #include <fcntl.h>
 #endif
 
-extern char** environ;  // NOLINT(readability-redundant-declaration): not every system's headers do
+extern char** environ;  // NOLINT(readability-redundant-declaration): not in every system's headers
 
 namespace bridge {
 namespace {
@@ -67,7 +67,7 @@ class SpawnSettings {
   posix_spawn_file_actions_t actions_;
 };
 
-/// Nobody waits for the child. With SIGCHLD ignored, the system reaps it.
+/// The child is not waited for. With SIGCHLD ignored, the system reaps it.
 void leaveChildrenToTheSystem() {
   struct sigaction ignore{};
   ignore.sa_handler = SIG_IGN;

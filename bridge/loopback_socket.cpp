@@ -77,8 +77,8 @@ int LoopbackSocket::error() const {
   return getsockopt(descriptor_, SOL_SOCKET, SO_ERROR, &error, &size) == 0 ? error : errno;
 }
 
-/// Where nobody listens, the system can choose the port being connected to as the local port. TCP
-/// then connects the socket to itself.
+/// If no program listens on the port, the system can choose that port as the local one. TCP then
+/// connects the socket to itself.
 bool LoopbackSocket::isSelfConnected(std::uint16_t port) const {
   sockaddr_in local{};
   socklen_t size = sizeof local;
