@@ -32,6 +32,12 @@ takes_no_arguments() {  # "$@"
   [ $# -eq 0 ] || refuse "unknown argument: $1"
 }
 
+is_number() {  # TEXT
+  case $1 in
+    '' | *[!0-9]*) return 1 ;;
+  esac
+}
+
 # Runs a command and shows its output only if it fails.
 quietly() {  # COMMAND [ARGUMENT]...
   local output
