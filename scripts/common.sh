@@ -32,6 +32,13 @@ takes_no_arguments() {  # "$@"
   [ $# -eq 0 ] || refuse "unknown argument: $1"
 }
 
+takes_cmake_settings() {  # "$@"
+  local argument
+  for argument in "$@"; do
+    [[ $argument == -D?*=* ]] || refuse "not a setting, -DNAME=VALUE: $argument"
+  done
+}
+
 is_number() {  # TEXT
   case $1 in
     '' | *[!0-9]*) return 1 ;;
