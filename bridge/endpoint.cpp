@@ -6,18 +6,20 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <string_view>
 #include <utility>
 
 #include "bridge/home_directory.h"
 #include "common/bytes.h"
 #include "json/reader.h"
+#include "json/value.h"
 
 namespace bridge {
 namespace {
 
 class File {
  public:
-  /// O_NONBLOCK because opening a named pipe in the file's place would wait for ever.
+  /// O_NONBLOCK because opening a named pipe would wait for a writer.
   explicit File(const std::string& path)
       : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
   File(const File&) = delete;

@@ -18,8 +18,8 @@ std::uint16_t tcpPort(std::int64_t port) {
   return static_cast<std::uint16_t>(port);
 }
 
-/// Carries on an exchange that nobody waits for. It closes when a late reply or the connection's
-/// end arrives, or at once if no thread can be started.
+/// Carries on an abandoned exchange. It closes when a late reply or the connection's end arrives,
+/// or at once if no thread can be started.
 void finishInBackground(std::unique_ptr<NWConnectionBox> box) {
   try {
     std::thread([box = std::move(box)] { box->send(UptimeClock::time_point::max()); }).detach();

@@ -1,13 +1,16 @@
 #include "bridge/launch.h"
 
-#include <fcntl.h>
 #include <spawn.h>
 #include <unistd.h>
 
 #include <array>
 #include <csignal>
 
-extern char** environ;  // NOLINT(readability-redundant-declaration): not every system's headers do
+#ifdef __APPLE__
+#include <fcntl.h>
+#endif
+
+extern char** environ;  // NOLINT(readability-redundant-declaration): not in every system's headers
 
 namespace bridge {
 namespace {
@@ -64,7 +67,7 @@ class SpawnSettings {
   posix_spawn_file_actions_t actions_;
 };
 
-/// Nobody waits for the child. With SIGCHLD ignored, the system reaps it.
+/// The child is not waited for. With SIGCHLD ignored, the system reaps it.
 void leaveChildrenToTheSystem() {
   struct sigaction ignore{};
   ignore.sa_handler = SIG_IGN;

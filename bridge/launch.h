@@ -6,7 +6,7 @@ namespace bridge {
 /// tool cannot be started; whether it succeeds is not observed.
 ///
 /// The child inherits the environment, the working directory and the standard streams, no other
-/// descriptor, and default signal handling. Nobody waits for it; the system reaps it.
+/// descriptor, and default signal handling. It is not waited for; the system reaps it.
 bool launchApp();
 
 }  // namespace bridge

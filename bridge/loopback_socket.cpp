@@ -1,6 +1,5 @@
 #include "bridge/loopback_socket.h"
 
-#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -10,6 +9,10 @@
 #include <cerrno>
 #include <chrono>
 #include <limits>
+
+#ifdef __APPLE__
+#include <fcntl.h>
+#endif
 
 namespace bridge {
 namespace {
@@ -74,8 +77,8 @@ int LoopbackSocket::error() const {
   return getsockopt(descriptor_, SOL_SOCKET, SO_ERROR, &error, &size) == 0 ? error : errno;
 }
 
-/// Where nobody listens, the system can choose the port being connected to as the local port. TCP
-/// then connects the socket to itself.
+/// If no program listens on the port, the system can choose that port as the local one. TCP then
+/// connects the socket to itself.
 bool LoopbackSocket::isSelfConnected(std::uint16_t port) const {
   sockaddr_in local{};
   socklen_t size = sizeof local;

@@ -25,19 +25,15 @@ constexpr auto silenceAfterSmallReply = 50ms;
 constexpr auto silenceAfterBigReply = 250ms;
 
 bool isTemporary(int error) {
-  return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
+  return error == EAGAIN || error == EINTR;
 }
 
 }  // namespace
 
 bool NWConnectionBox::send(UptimeClock::time_point deadline) {
-  switch (state_) {
-    case State::connecting: return connect(deadline);
-    case State::sending: return sendRequest(deadline);
-    case State::receiving: return receiveReply(deadline);
-    case State::finished: break;
-  }
-  return true;
+  return (state_ != State::connecting || connect(deadline)) &&
+         (state_ != State::sending || sendRequest(deadline)) &&
+         (state_ != State::receiving || receiveReply(deadline));
 }
 
 bool NWConnectionBox::connect(UptimeClock::time_point deadline) {
@@ -46,7 +42,7 @@ bool NWConnectionBox::connect(UptimeClock::time_point deadline) {
     const int error = socket_.connect(port_, deadline);
     if (error == 0) {
       state_ = State::sending;
-      return sendRequest(deadline);
+      return true;
     }
     // Accepted and reset at once: the exchange has failed, the application is there.
     if (error == ECONNRESET) return finish();
@@ -70,7 +66,7 @@ bool NWConnectionBox::sendRequest(UptimeClock::time_point deadline) {
     }
   }
   state_ = State::receiving;
-  return receiveReply(deadline);
+  return true;
 }
 
 bool NWConnectionBox::receiveReply(UptimeClock::time_point deadline) {

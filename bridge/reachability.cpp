@@ -1,9 +1,11 @@
 #include "bridge/reachability.h"
 
 #include <thread>
+#include <utility>
 
 #include "bridge/app_request.h"
 #include "bridge/exchange.h"
+#include "json/value.h"
 
 namespace bridge {
 

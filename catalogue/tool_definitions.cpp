@@ -1,5 +1,8 @@
 #include "catalogue/tool_definitions.h"
 
+#include <string_view>
+#include <vector>
+
 #include "catalogue/agent_protocol.h"
 #include "common/bytes.h"
 #include "json/writer.h"

@@ -1,3 +1,6 @@
+#include <string_view>
+#include <vector>
+
 #include "catalogue/agent_protocol.h"
 
 namespace AgentProtocol {

@@ -15,11 +15,11 @@ namespace common {
 
 /// A growing array of plain values, for messages of any size.
 ///
-/// Differs from a vector in two ways that matter when a message has megabytes: new room is
-/// never zero-filled, so bytes can be received straight into it, and it grows by realloc,
-/// which moves large arrays without copying them.
+/// It differs from a vector in two ways that matter when a message has megabytes: new room is not
+/// zero-filled, so that bytes can be received straight into it, and it grows with realloc(), which
+/// moves large arrays without copying them.
 ///
-/// Running out of memory throws std::bad_alloc. Pointers into it are valid until it grows;
+/// Running out of memory throws std::bad_alloc. Pointers into the buffer are valid until it grows;
 /// moving the buffer keeps them valid.
 template <typename T>
   requires std::is_trivially_copyable_v<T>
@@ -42,17 +42,17 @@ class Buffer {
   [[nodiscard]] T& operator[](std::size_t index) { return items_.get()[index]; }
   [[nodiscard]] const T& operator[](std::size_t index) const { return items_.get()[index]; }
 
-  /// The value at the end; there must be one.
+  /// The last value; there must be one.
   [[nodiscard]] T& last() { return items_.get()[size_ - 1]; }
 
-  /// Makes sure that `count` further values fit, and returns where the first would stand.
-  /// They become part of the buffer with commit().
+  /// Ensures room for `count` more values and returns a pointer to it. commit() makes them part of
+  /// the buffer.
   T* room(std::size_t count) {
     if (count > capacity_ - size_) grow(count);
     return items_.get() + size_;
   }
 
-  /// Takes `count` values that were written to room() into the buffer.
+  /// Makes `count` values that were written to room() part of the buffer.
   void commit(std::size_t count) { size_ += count; }
 
   void push(T value) {
@@ -66,7 +66,7 @@ class Buffer {
     commit(values.size());
   }
 
-  /// Removes the first `count` values; the rest moves to the front.
+  /// Removes the first `count` values and moves the rest to the front.
   void dropFront(std::size_t count) {
     if (count == 0) return;
     size_ -= count;
@@ -88,8 +88,7 @@ class Buffer {
     constexpr std::size_t most = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(T);
     constexpr std::size_t least = 256 / sizeof(T);
     if (count > most - size_) throw std::bad_alloc();
-    const std::size_t doubled = capacity_ > most / 2 ? most : capacity_ * 2;
-    const std::size_t capacity = std::max({size_ + count, doubled, least});
+    const std::size_t capacity = std::max({size_ + count, 2 * capacity_, least});
     void* grown = std::realloc(items_.get(), capacity * sizeof(T));
     if (grown == nullptr) throw std::bad_alloc();
     static_cast<void>(items_.release());  // realloc has freed or moved it

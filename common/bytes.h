@@ -7,7 +7,7 @@
 
 namespace common {
 
-/// A growing piece of text: a message being received, or one being put together.
+/// A growing sequence of bytes: a message that is being received or written.
 class Bytes {
  public:
   [[nodiscard]] std::string_view view() const { return {bytes_.data(), bytes_.size()}; }
@@ -23,7 +23,7 @@ class Bytes {
     return *this;
   }
 
-  /// Room for `count` further bytes, to be written in place and then taken with commit().
+  /// Room for `count` more bytes. Write there, then call commit().
   char* room(std::size_t count) { return bytes_.room(count); }
   void commit(std::size_t count) { bytes_.commit(count); }
 

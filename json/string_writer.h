@@ -56,7 +56,9 @@ Copied copyEscaped(const char* from, std::ptrdiff_t size, const char* end, const
   while (stops != 0) {
     const char* const at = begin + std::countr_zero(stops);
     stops &= stops - 1;
-    if (escaping == Escaping::once && isEscaped(from, at)) continue;
+    if constexpr (escaping == Escaping::once) {
+      if (isEscaped(from, at)) continue;
+    }
     to = copyShort(from, at - from, readableEnd, to);
     const Copied written = writeEscaped<escaping>(at, end, to);
     from = written.from;

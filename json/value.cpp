@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <iterator>
+#include <system_error>
 
 #include "json/unescape.h"
 

@@ -4,17 +4,18 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "common/buffer.h"
 #include "json/node.h"
 
 namespace json {
 
-/// A JSON value inside a message that was read: a view, cheap to copy, valid as long as the
-/// message's text and the Document that it came from.
+/// A JSON value of a message: a view, cheap to copy, valid as long as the message's text and the
+/// Document it belongs to.
 class Value {
  public:
-  /// `text` is the whole message that the node is of.
+  /// `text` is the whole message that contains the node.
   Value(std::string_view text, const Node* node) : text_(text), node_(node) {}
 
   [[nodiscard]] Kind kind() const { return node_->kind(); }
@@ -22,19 +23,19 @@ class Value {
   [[nodiscard]] bool isString() const { return kind() == Kind::string; }
   [[nodiscard]] bool isTrue() const { return kind() == Kind::trueLiteral; }
 
-  /// The member of that name, compared exactly; none if there is none or this is no object.
-  /// Of a name given twice, the last one counts.
+  /// The member with that name, compared exactly; none if it is missing or this is not an object.
+  /// If the name is repeated, the last member counts.
   [[nodiscard]] std::optional<Value> member(std::string_view name) const;
 
-  /// A number written as an integer that fits 64 bits with its sign; otherwise none.
+  /// The number if it is written as an integer and fits a signed 64-bit integer; otherwise none.
   [[nodiscard]] std::optional<std::int64_t> integer() const;
 
-  /// The characters of a string; none if this is no string. An unpaired surrogate escape,
-  /// which UTF-8 can't express, comes out as the three bytes that UTF-8's pattern would give
-  /// it, and appendQuoted() turns these into the escape again.
+  /// The decoded string as UTF-8; none if this is not a string. The escape of an unpaired
+  /// surrogate, which UTF-8 cannot express, becomes the three bytes of UTF-8's pattern;
+  /// appendQuoted() turns them back into the escape.
   [[nodiscard]] std::optional<std::string> string() const;
 
-  /// The text of the token: a string's without its quotes and as it was written.
+  /// The text of the token, unchanged; a string's without its quotes.
   [[nodiscard]] std::string_view token() const {
     return text_.substr(node_->begin(), node_->length());
   }
@@ -50,11 +51,11 @@ class Value {
   const Node* node_;
 };
 
-/// A message that was read: its values, which point into the message's text. The text is not
-/// owned; whoever holds a Document keeps the text alive and in its place.
+/// A message that was read: its values, which point into the message's text. Does not own the
+/// text, which must outlive it and stay where it is.
 class Document {
  public:
-  /// `nodes` are of the whole of `text` and hold at least the top-level value.
+  /// `nodes` describe the whole text; there is at least the top-level value.
   Document(std::string_view text, common::Buffer<Node> nodes)
       : text_(text), nodes_(std::move(nodes)) {}
 
@@ -66,7 +67,7 @@ class Document {
   common::Buffer<Node> nodes_;
 };
 
-/// An object without members, for ever.
+/// An object without members, always valid.
 Value emptyObject();
 
 }  // namespace json

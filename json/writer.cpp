@@ -9,8 +9,10 @@
 #include <cstring>
 
 #include "json/escape.h"
+#include "json/node.h"
 #include "json/room.h"
 #include "json/scan.h"
+#include "json/simd.h"
 #include "json/sorted_members.h"
 #include "json/string_writer.h"
 

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
 #include "server/descriptor_wait.h"
 
@@ -50,7 +51,7 @@ bool LineReader::readMore() {
       return true;
     }
     if (count == 0) return false;
-    if (errno == EAGAIN || errno == EWOULDBLOCK) {
+    if (errno == EAGAIN) {
       wait(input_, Until::readable);
     } else if (errno != EINTR) {
       return false;

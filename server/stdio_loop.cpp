@@ -2,6 +2,7 @@
 
 #include <utf8.h>
 
+#include <optional>
 #include <string>
 #include <utility>
 

@@ -21,7 +21,7 @@ Written write(std::string_view bytes) {
     const ssize_t count = ::write(STDOUT_FILENO, bytes.data() + written, size);
     if (count >= 0) {
       written += static_cast<std::size_t>(count);
-    } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
+    } else if (errno == EAGAIN) {
       wait(STDOUT_FILENO, Until::writable);
     } else if (errno != EINTR) {
       return written > 0 ? Written::some : Written::nothing;
@@ -47,11 +47,9 @@ void endLine() {
 void writeReply(std::string_view reply) {
   if (line == Line::lacksItsFeed) endLine();
   if (line != Line::ended) return;
-  switch (write(reply)) {
-    case Written::all: return endLine();
-    case Written::some: line = Line::cutOff; break;
-    case Written::nothing: break;
-  }
+  const Written written = write(reply);
+  if (written == Written::all) endLine();
+  if (written == Written::some) line = Line::cutOff;
 }
 
 }  // namespace server
