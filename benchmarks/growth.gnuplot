@@ -7,7 +7,8 @@ set offsets 0.2, 0.2, 0, 0
 set yrange [0:*]
 set grid ytics
 set key at graph 0.95, 0.82
-names = system("grep -E '^. (median|per byte) ' '".ARG1."' | tail -n 1 | cut -d '|' -f 3- | tr -d '|'")
+header = "grep -E '^. (median|per byte) ' '".ARG1."'"
+names = system(header." | tail -n 1 | cut -d '|' -f 3- | tr -d '|'")
 rows(what) = "< grep -E '^. [0-9]+ MB ".what."' '".ARG1."'"
 set multiplot layout 2,2
 do for [index in "1 3"] {

@@ -2,7 +2,8 @@
 //
 //   quillmark-benchmark ROUNDS WORDS NAME=COMMAND...
 //
-// Takes in each round the measures whose names contain WORDS. A command is split at blanks.
+// Takes in each round the measures whose names contain WORDS, and compares the servers with the
+// first. A command is split at blanks.
 
 #include <csignal>
 #include <cstdlib>

@@ -12,9 +12,8 @@ struct Measure {
   double Cost::* value;  // what is shown of the costs
   /// Runs a server. Throws when it writes something wrong.
   std::function<Cost(const Competitor&)> run;
-  int runs = 1;       // in each round
-  int megabytes = 0;  // of the message, if time and memory are shown per byte
-
+  int runs = 1;                            // in each round
+  int megabytes = 0;                       // of the message, if time and memory are shown per byte
   std::vector<std::vector<Cost>> costs{};  // of each competitor, as they were measured
 };
 
