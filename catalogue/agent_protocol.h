@@ -1,9 +1,9 @@
 #pragma once
 
+#include <initializer_list>
 #include <string_view>
-#include <vector>
 
-/// What the server offers to the agent.
+/// What the server offers to the agent: constants, readable from any thread.
 namespace AgentProtocol {
 
 /// An input parameter of a tool.
@@ -22,12 +22,8 @@ struct NamedProperty {
 struct Tool {
   std::string_view name;
   std::string_view description;
-  std::vector<NamedProperty> properties;   ///< each name once
-  std::vector<std::string_view> required;  ///< names from `properties`, in this order
+  std::initializer_list<NamedProperty> properties;   ///< each name once
+  std::initializer_list<std::string_view> required;  ///< names from `properties`, in this order
 };
-
-/// The catalogue: eleven tools, in the order in which they are announced. Built on the first call,
-/// never changed, valid until the process ends. Thread-safe.
-const std::vector<Tool>& tools();
 
 }  // namespace AgentProtocol

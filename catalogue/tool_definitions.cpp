@@ -1,9 +1,9 @@
 #include "catalogue/tool_definitions.h"
 
 #include <string_view>
-#include <vector>
 
 #include "catalogue/agent_protocol.h"
+#include "catalogue/tools.h"
 #include "common/bytes.h"
 #include "json/writer.h"
 
@@ -47,7 +47,7 @@ void appendTool(Bytes& out, const Tool& tool) {
 Bytes writeDefinitions() {
   Bytes out;
   out.append('[');
-  appendEach(out, AgentProtocol::tools(), appendTool);
+  appendEach(out, AgentProtocol::tools, appendTool);
   out.append(']');
   return out;
 }

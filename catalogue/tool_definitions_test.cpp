@@ -8,7 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "catalogue/agent_protocol.h"
+#include "catalogue/tools.h"
 #include "tests/unit/written.h"
 
 // The texts themselves are compared with tools.json by the end-to-end tests; here it is the
@@ -31,9 +31,9 @@ TEST(ToolDefinitions, AreAnArrayOfAllToolsInTheirOrder) {
 
 TEST(ToolDefinitions, HaveTheTablesTextsAndNothingElse) {
   const nlohmann::json all = definitions();
-  ASSERT_EQ(all.size(), AgentProtocol::tools().size());
+  ASSERT_EQ(all.size(), std::size(AgentProtocol::tools));
   for (std::size_t i = 0; i < all.size(); ++i) {
-    const AgentProtocol::Tool& tool = AgentProtocol::tools()[i];
+    const AgentProtocol::Tool& tool = AgentProtocol::tools[i];
     nlohmann::json properties = nlohmann::json::object();
     for (const auto& [name, property] : tool.properties) {
       properties[std::string(name)] = {{"type", property.type},
@@ -88,7 +88,7 @@ TEST(ToolDefinitions, AreTheSameTextEachTime) {
 }
 
 TEST(Tools, NameEachParameterOnceAndRequireOnlyParameters) {
-  for (const AgentProtocol::Tool& tool : AgentProtocol::tools()) {
+  for (const AgentProtocol::Tool& tool : AgentProtocol::tools) {
     std::set<std::string_view> names;
     for (const auto& [name, property] : tool.properties) EXPECT_TRUE(names.insert(name).second);
     for (const std::string_view name : tool.required) EXPECT_TRUE(names.contains(name)) << name;
