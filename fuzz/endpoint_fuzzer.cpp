@@ -1,4 +1,5 @@
-// Loads an endpoint file with these bytes, judged by another JSON library.
+// Loads an endpoint file with these bytes and compares the result with that of another JSON
+// library.
 //
 // Input: the bytes.
 
@@ -15,13 +16,13 @@
 #include "bridge/endpoint.h"
 #include "fuzz/require.h"
 #include "json/writer.h"
-#include "tests/unit/published_home.h"
+#include "tests/unit/home_override.h"
 #include "tests/unit/reference.h"
 #include "tests/unit/written.h"
 
 namespace {
 
-/// The integer that a member of reference::tree() spells, if it fits 64 bits with its sign.
+/// The integer of a member of reference::tree(); none if it is not a signed 64-bit integer.
 std::optional<std::int64_t> integer(const nlohmann::json& value) {
   if (!value.is_string() || !value.get_ref<const std::string&>().starts_with('n')) {
     return std::nullopt;
@@ -33,9 +34,9 @@ std::optional<std::int64_t> integer(const nlohmann::json& value) {
   return number.get<std::int64_t>();
 }
 
-/// The file as judged: with "version" and "port" as numbers, or null if it is unusable.
-nlohmann::json judged(std::string_view bytes) {
-  if (reference::verdict(bytes) != reference::Verdict::wellFormed) return nullptr;
+/// The expected endpoint, with "version" and "port" as numbers; null if there is none.
+nlohmann::json expected(std::string_view bytes) {
+  if (reference::validity(bytes) != reference::Validity::valid) return nullptr;
   const nlohmann::json tree = reference::tree(bytes);
   if (!tree.is_object()) return nullptr;
   const auto version = integer(tree.value("version", nlohmann::json()));
@@ -46,8 +47,8 @@ nlohmann::json judged(std::string_view bytes) {
   return {{"version", *version}, {"port", *port}, {"token", token}};
 }
 
-/// The same of what was loaded.
-nlohmann::json told(const std::optional<bridge::Endpoint>& endpoint) {
+/// The loaded endpoint in the same form.
+nlohmann::json asJson(const std::optional<bridge::Endpoint>& endpoint) {
   if (!endpoint) return nullptr;
   return {{"version", endpoint->version},
           {"port", endpoint->port},
@@ -57,14 +58,14 @@ nlohmann::json told(const std::optional<bridge::Endpoint>& endpoint) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const PublishedHome home;  // removed when the process exits
-  home.file().remove();             // some file systems take long to write one anew
+  static const HomeOverride home;  // removed when the process exits
+  home.file().remove();            // on some file systems, replacing it takes longer
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   std::ofstream(home.file().path(), std::ios::binary) << bytes;
 
   const auto endpoint = bridge::Endpoint::load();
-  if (reference::verdict(bytes) == reference::Verdict::none) return 0;
-  require(told(endpoint) == judged(bytes), "the endpoint is what the file says",
-          told(endpoint).dump(-1, ' ', true) + "\n" + judged(bytes).dump(-1, ' ', true));
+  if (reference::validity(bytes) == reference::Validity::unknown) return 0;
+  require(asJson(endpoint) == expected(bytes), "the endpoint is that of the file",
+          asJson(endpoint).dump(-1, ' ', true) + "\n" + expected(bytes).dump(-1, ' ', true));
   return 0;
 }

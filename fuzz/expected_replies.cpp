@@ -12,7 +12,7 @@ namespace {
 
 using nlohmann::json;
 
-// The three bytes of an unpaired surrogate are how the bridge hands one over.
+// "\xED\xA0\x80" is how the bridge encodes an unpaired surrogate.
 constexpr std::array<Outcome, 8> outcomes{{
     {true, "{}", R"({"content":[{"type":"text","text":"{}"}]})"},
     {true, R"({"b":[1.0,[]],"a":"x\/y\n"})",
@@ -32,7 +32,7 @@ constexpr std::array<Outcome, 8> outcomes{{
      R"({"content":[{"type":"text","text":"\"a/b\"\n\t\ud800"}],"isError":true})"},
 }};
 
-/// Lines without their ends; how many U+FFFD stand for a spoilt stretch is the library's choice.
+/// The lines without their ends, repaired with the library that the product uses.
 std::vector<std::string> lines(std::string_view input) {
   std::vector<std::string> lines;
   while (!input.empty()) {
@@ -47,7 +47,7 @@ std::vector<std::string> lines(std::string_view input) {
   return lines;
 }
 
-/// What reference::tree() has for a member that is a string: "s" and its characters.
+/// The string member as in reference::tree(): "s" and its characters.
 std::string stringOrEmpty(const json& object, const char* name) {
   const auto member = object.find(name);
   if (member == object.end() || !member->is_string()) return "s";
@@ -104,9 +104,9 @@ const Outcome& outcomeOf(std::size_t first, std::size_t call) {
 Expected expectedOf(std::string_view input, std::size_t first) {
   Expected expected;
   for (const std::string& line : lines(input)) {
-    const reference::Verdict verdict = reference::verdict(line);
-    if (verdict == reference::Verdict::none) expected.isSure = false;
-    if (verdict != reference::Verdict::wellFormed) continue;
+    const reference::Validity validity = reference::validity(line);
+    if (validity == reference::Validity::unknown) expected.isSure = false;
+    if (validity != reference::Validity::valid) continue;
     const json message = reference::tree(line);
     if (message.is_object()) answer(message, first, expected);
   }

@@ -7,23 +7,23 @@
 
 #include <nlohmann/json.hpp>
 
-/// What the application makes of a tool call, and the tool result that the agent must get.
+/// The outcome of a tool call, and the tool result that the agent must get.
 struct Outcome {
   bool isSuccess;
-  std::string_view said;        ///< a success: its result as JSON; a failure: its message
+  std::string_view content;     ///< the result as JSON, or the error message
   std::string_view toolResult;  ///< as JSON
 };
 
-/// One for each call, over and over. `first` may be any number.
+/// The outcome of a call. The calls, counted from 0, take turns, starting with outcome `first`,
+/// which may be any number.
 const Outcome& outcomeOf(std::size_t first, std::size_t call);
 
-/// What must come of some input, as reference::tree() gives it.
+/// The expected replies and calls, in the form of reference::tree().
 struct Expected {
   std::vector<nlohmann::json> replies;
   std::vector<nlohmann::json> calls;  ///< objects with "name" and "arguments"
-  bool isSure = true;                 ///< false: there is a number that the judge finds too big
+  bool isSure = true;                 ///< false: the library stops at a number that is too big
 };
 
-/// What the rules of the protocol make of these bytes on standard input, when the calls' outcomes
-/// begin with `first`. Knows nothing of how the server does it.
+/// What the protocol requires for these bytes on standard input. Independent of the server's code.
 Expected expectedOf(std::string_view input, std::size_t first);

@@ -1,6 +1,6 @@
-// Reads and lays out a text, judged by another JSON library.
+// Reads and writes a text and compares the result with that of another JSON library.
 //
-// Input: a byte that says how the text is cut into pieces, then the text.
+// Input: a byte that determines how the text is cut into pieces, then the text.
 
 #include <cstddef>
 #include <cstdint>
@@ -27,8 +27,8 @@ struct Reading {
   [[nodiscard]] bool isComplete() const { return state == json::Reader::State::complete; }
 };
 
-/// Reads a text that comes in pieces. Every time it is elsewhere in memory, and there is nothing
-/// behind it, so that the sanitizer notices who reads on.
+/// Reads a text that arrives in pieces. Each time it is at another address, in memory of exactly
+/// its size, so that the sanitizer finds a read after it.
 Reading readInPieces(std::string_view text, const std::vector<std::size_t>& ends) {
   json::Reader reader;
   Reading reading;
@@ -48,25 +48,25 @@ Reading readInPieces(std::string_view text, const std::vector<std::size_t>& ends
   return reading;
 }
 
-void requireFixedPoints(const Reading& reading) {
+void requireUnchangedWhenWrittenAgain(const Reading& reading) {
   const auto unquoted = nlohmann::json::parse(reading.pretty).get<std::string>();
-  require(compact(reading.compact) == reading.compact, "the compact layout is a fixed point",
-          reading.compact);
-  require(prettyQuoted(unquoted) == reading.pretty, "the pretty layout is a fixed point",
+  require(compact(reading.compact) == reading.compact,
+          "compact text is unchanged when written again", reading.compact);
+  require(prettyQuoted(unquoted) == reading.pretty, "pretty text is unchanged when written again",
           reading.pretty);
-  require(prettyQuoted(reading.compact) == reading.pretty, "one layout may follow the other",
+  require(prettyQuoted(reading.compact) == reading.pretty, "compact text has the same pretty text",
           reading.compact);
 }
 
 void requireSameValues(std::string_view text, const Reading& reading) {
   const nlohmann::json tree = reference::tree(text);
-  require(reference::tree(reading.compact) == tree, "the compact layout means the same",
+  require(reference::tree(reading.compact) == tree, "the compact text means the same",
           reading.compact);
-  if (!reference::isTellable(text)) return;
-  require(reading.compact.size() == reference::compact(tree).size(), "there are no blanks",
-          reading.compact);
+  if (!reference::isUnambiguous(text)) return;
+  require(reading.compact.size() == reference::compact(tree).size(),
+          "the compact text has no white space", reading.compact);
   require(reading.pretty == reference::literal(reference::pretty(tree)),
-          "pretty text is the judge's", reading.pretty);
+          "the pretty text is that of the reference", reading.pretty);
 }
 
 }  // namespace
@@ -79,14 +79,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const Reading whole = readInPieces(text, {text.size()});
   require(readInPieces(text, pieceEnds(text.size(), seed)) == whole, "pieces make no difference");
 
-  const reference::Verdict verdict = reference::verdict(text);
-  require(verdict != reference::Verdict::wellFormed || whole.isComplete(), "what is right is read");
-  require(verdict != reference::Verdict::malformed || !whole.isComplete(),
-          "what is wrong is refused");
+  const reference::Validity validity = reference::validity(text);
+  require(validity != reference::Validity::valid || whole.isComplete(), "valid text is accepted");
+  require(validity != reference::Validity::invalid || !whole.isComplete(),
+          "invalid text is rejected");
   if (!whole.isComplete()) return 0;
 
-  require(whole.compact.size() <= 2 * text.size(), "nothing grows but slashes");
-  requireFixedPoints(whole);
-  if (verdict == reference::Verdict::wellFormed) requireSameValues(text, whole);
+  require(whole.compact.size() <= 2 * text.size(), "compact text is at most twice as long");
+  requireUnchangedWhenWrittenAgain(whole);
+  if (validity == reference::Validity::valid) requireSameValues(text, whole);
   return 0;
 }

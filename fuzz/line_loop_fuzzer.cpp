@@ -1,8 +1,8 @@
-// Runs the server on standard input with these bytes, beside an application that answers by a
-// script, and compares every reply and every call with what the protocol asks for.
+// Runs the server with these bytes as its input and a scripted application, and compares each reply
+// and each call with what the protocol requires.
 //
-// Input: a byte that says how the bytes come in pieces, a byte that says which outcome the first
-// call has, then the bytes.
+// Input: a byte that determines how the input is cut into pieces, a byte that determines the
+// outcome of the first call, then the server's input.
 
 #include <cstddef>
 #include <cstdint>
@@ -26,18 +26,18 @@ namespace {
 using Trees = std::vector<nlohmann::json>;
 
 bridge::CallResult resultOf(const Outcome& outcome) {
-  const std::string said(outcome.said);
-  if (!outcome.isSuccess) return std::unexpected(bridge::BridgeFailure{said});
-  return bridge::callResult(answered(R"({"ok":true,"result":)" + said + "}"));
+  const std::string content(outcome.content);
+  if (!outcome.isSuccess) return std::unexpected(bridge::BridgeFailure{content});
+  return bridge::callResult(outcomeWith(R"({"ok":true,"result":)" + content + "}"));
 }
 
-struct Happened {
+struct Result {
   std::vector<std::string> replies;
   std::vector<std::string> calls;
 };
 
-Happened run(std::string_view bytes, std::uint8_t seed, std::size_t first) {
-  Happened happened;
+Result run(std::string_view bytes, std::uint8_t seed, std::size_t first) {
+  Result result;
   const server::HandleDependencies dependencies{
       .callApp =
           [&](std::string_view tool, json::Value arguments) {
@@ -47,24 +47,24 @@ Happened run(std::string_view bytes, std::uint8_t seed, std::size_t first) {
             call.append(R"(,"arguments":)");
             json::appendCompact(call, arguments);
             call.append('}');
-            happened.calls.emplace_back(call.view());
-            return resultOf(outcomeOf(first, happened.calls.size() - 1));
+            result.calls.emplace_back(call.view());
+            return resultOf(outcomeOf(first, result.calls.size() - 1));
           },
-      .writeReply = [&](std::string_view reply) { happened.replies.emplace_back(reply); }};
+      .writeReply = [&](std::string_view reply) { result.replies.emplace_back(reply); }};
   const PiecedInput input(bytes, seed);
   server::StdioLoop(input.descriptor(), [&](json::Value request) {
-    const std::size_t before = happened.replies.size();
+    const std::size_t before = result.replies.size();
     server::handle(request, dependencies);
-    require(happened.replies.size() <= before + 1, "a message has at most one reply");
+    require(result.replies.size() <= before + 1, "a message has at most one reply");
   }).run();
-  return happened;
+  return result;
 }
 
-/// An object on one line; with a number in it that the judge finds too big, it is let through.
+/// Requires an object on one line.
 void requireOneObject(const std::string& text) {
-  require(text.find('\n') == std::string::npos, "what is sent is one line", text);
-  require(text.starts_with('{'), "what is sent is an object", text);
-  require(reference::verdict(text) != reference::Verdict::malformed, "what is sent is JSON", text);
+  require(text.find('\n') == std::string::npos, "the text is one line", text);
+  require(text.starts_with('{'), "the text is an object", text);
+  require(reference::validity(text) != reference::Validity::invalid, "the text is JSON", text);
 }
 
 Trees trees(const std::vector<std::string>& texts) {
@@ -89,15 +89,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::size_t first = input.byte();
   const std::string_view bytes = input.rest();
 
-  const Happened happened = run(bytes, seed, first);
-  for (const std::string& call : happened.calls) requireOneObject(call);
-  for (const std::string& reply : happened.replies) requireOneObject(reply);
+  const Result result = run(bytes, seed, first);
+  for (const std::string& call : result.calls) requireOneObject(call);
+  for (const std::string& reply : result.replies) requireOneObject(reply);
 
   const Expected expected = expectedOf(bytes, first);
   if (!expected.isSure) return 0;
-  require(trees(happened.calls) == expected.calls, "calls are made as they were asked for",
-          shown(happened.calls, expected.calls));
-  require(trees(happened.replies) == expected.replies, "replies are what the protocol asks for",
-          shown(happened.replies, expected.replies));
+  require(trees(result.calls) == expected.calls, "the calls are those of the requests",
+          shown(result.calls, expected.calls));
+  require(trees(result.replies) == expected.replies, "the replies are those of the protocol",
+          shown(result.replies, expected.replies));
   return 0;
 }

@@ -4,12 +4,11 @@
 #include <cstdint>
 #include <string_view>
 
-/// A descriptor to read from, on which bytes come in pieces: each read gets one of them, as far
-/// as it has room, and when there are no more, reads get the end of input twice.
+/// A descriptor from which each read() gets one piece of the bytes, and at the end, twice, the end
+/// of input.
 class PiecedInput {
  public:
-  /// The pieces of pieceEnds(). They are few and short enough to be taken in before anybody
-  /// reads: at most 8 KiB in all.
+  /// Cuts the bytes, at most 8 KiB, as pieceEnds() does.
   PiecedInput(std::string_view bytes, std::uint8_t seed);
   PiecedInput(const PiecedInput&) = delete;
   PiecedInput& operator=(const PiecedInput&) = delete;

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-/// Where each piece ends when a text of `size` bytes comes in pieces: up to eight, none of them
-/// empty, cut at places drawn from `seed`. The last one ends at `size`; an empty text has none.
+/// Cuts a text of `size` bytes into up to eight pieces, at places that `seed` determines, and
+/// returns where each ends. No piece is empty; an empty text has none.
 inline std::vector<std::size_t> pieceEnds(std::size_t size, std::uint8_t seed) {
   constexpr unsigned mostPieces = 8;
   std::vector<std::size_t> ends;
@@ -22,7 +22,7 @@ inline std::vector<std::size_t> pieceEnds(std::size_t size, std::uint8_t seed) {
   return ends;
 }
 
-/// What a fuzzer is given, taken from the front.
+/// The input of a fuzzer, read from the front.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size)

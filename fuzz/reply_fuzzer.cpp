@@ -1,7 +1,7 @@
-// Takes the application's reply to a tool call, which comes in pieces, and makes the tool result of
-// it, judged by another JSON library.
+// Converts an application's reply that arrives in pieces into the tool result, and compares it with
+// that of another JSON library.
 //
-// Input: a byte that says how the reply is cut into pieces, then the reply.
+// Input: a byte that determines how the reply is cut into pieces, then the reply.
 
 #include <algorithm>
 #include <cstddef>
@@ -23,24 +23,24 @@
 
 namespace {
 
-using reference::Verdict;
+using reference::Validity;
 
-/// Whether a reply is whole is told after each of its pieces: that is what it is taken by.
+/// A reply of these bytes. After each piece it must know whether it is whole.
 bridge::Reply received(std::string_view bytes, std::uint8_t seed) {
   bridge::Reply reply;
   for (const std::size_t end : pieceEnds(bytes.size(), seed)) {
     const std::string_view piece = bytes.substr(reply.size(), end - reply.size());
     std::ranges::copy(piece, reply.room(piece.size()));
     reply.received(piece.size());
-    const Verdict verdict = reference::verdict(bytes.substr(0, end));
-    require(verdict == Verdict::none || reply.isWhole() == (verdict == Verdict::wellFormed),
-            "a reply is whole when the judge can read it");
+    const Validity validity = reference::validity(bytes.substr(0, end));
+    require(validity == Validity::unknown || reply.isWhole() == (validity == Validity::valid),
+            "a reply is whole if it is valid JSON");
   }
   require(reply.size() == bytes.size(), "no byte of a reply is lost");
   return reply;
 }
 
-/// The server's reply to a tool call to which the application says this.
+/// The server's reply to a tool call to which the application sends this reply.
 std::string toolResult(bridge::Reply reply) {
   bridge::CallResult result = bridge::callResult({.ended = true, .reply = std::move(reply)});
   std::string written;
@@ -61,7 +61,7 @@ std::string success(const std::string& text) {
          reference::literal(text) + "}]}}";
 }
 
-/// With U+FFFD in place of the characters that stand for unpaired surrogates in the reference.
+/// With U+FFFD in place of the characters that replace unpaired surrogates in the reference.
 std::string withoutSurrogates(std::string text) {
   for (std::size_t at = text.find('\xEE'); at < text.size(); at = text.find('\xEE', at + 3)) {
     if (static_cast<unsigned char>(text[at + 1]) < 0xA0) text.replace(at, 3, "\xEF\xBF\xBD");
@@ -69,10 +69,10 @@ std::string withoutSurrogates(std::string text) {
   return text;
 }
 
-/// What the server must reply.
+/// The expected reply of the server.
 std::string expected(std::string_view bytes) {
   const nlohmann::json reply =
-      reference::verdict(bytes) == Verdict::wellFormed ? reference::tree(bytes) : nullptr;
+      reference::validity(bytes) == Validity::valid ? reference::tree(bytes) : nullptr;
   if (!reply.is_object()) return failure("Quillmark sent an unreadable reply.");
   if (reply.value("ok", nlohmann::json()) == true) {
     return success(reference::pretty(reply.value("result", nlohmann::json::object())));
@@ -90,11 +90,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::uint8_t seed = input.byte();
   const std::string_view bytes = input.rest();
 
-  const std::string told = toolResult(received(bytes, seed));
-  require(reference::verdict(told) != Verdict::malformed, "the tool result is JSON", told);
-  require(told.find('\n') == std::string::npos, "the tool result is one line", told);
-  if (reference::verdict(bytes) == Verdict::none || !reference::isTellable(bytes)) return 0;
-  require(told == expected(bytes), "the tool result is what the rules make of the reply",
-          told + "\n" + expected(bytes));
+  const std::string actual = toolResult(received(bytes, seed));
+  require(reference::validity(actual) != Validity::invalid, "the tool result is JSON", actual);
+  require(actual.find('\n') == std::string::npos, "the tool result is one line", actual);
+  if (reference::validity(bytes) == Validity::unknown || !reference::isUnambiguous(bytes)) return 0;
+  require(actual == expected(bytes), "the tool result is that of the reply",
+          actual + "\n" + expected(bytes));
   return 0;
 }

@@ -4,10 +4,10 @@
 #include <iostream>
 #include <string_view>
 
-/// Ends the process unless something holds that must, so that the fuzzer keeps the input. Says
-/// what must hold and shows what was there instead.
-inline void require(bool holds, std::string_view what, std::string_view shown = "") {
-  if (holds) return;
-  std::cerr << "\nMUST HOLD: " << what << '\n' << shown << '\n';
+/// Aborts if the condition is false, so that the fuzzer keeps the input. Prints the requirement and
+/// the details.
+inline void require(bool condition, std::string_view requirement, std::string_view details = "") {
+  if (condition) return;
+  std::cerr << "\nREQUIRED: " << requirement << '\n' << details << '\n';
   std::abort();
 }
