@@ -14,6 +14,8 @@
 #include <fcntl.h>
 #endif
 
+#include "common/one_call.h"
+
 namespace bridge {
 namespace {
 
@@ -87,8 +89,8 @@ bool LoopbackSocket::isSelfConnected(std::uint16_t port) const {
 }
 
 ssize_t LoopbackSocket::send(std::string_view bytes) const {
-  constexpr std::size_t most = std::size_t{1} << 30U;  // macOS refuses more than INT_MAX
-  return ::send(descriptor_, bytes.data(), std::min(bytes.size(), most), sendFlags);
+  const std::string_view piece = common::forOneCall(bytes);
+  return ::send(descriptor_, piece.data(), piece.size(), sendFlags);
 }
 
 ssize_t LoopbackSocket::receive(char* to, std::size_t size) const {

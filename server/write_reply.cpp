@@ -1,9 +1,9 @@
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 
+#include "common/one_call.h"
 #include "server/descriptor_wait.h"
 #include "server/server.h"
 
@@ -14,11 +14,10 @@ enum class Written : unsigned char { all, some, nothing };
 
 /// Writes everything, also to a pipe that does not block, unless a write fails.
 Written write(std::string_view bytes) {
-  constexpr std::size_t most = std::size_t{1} << 30U;  // macOS refuses more than INT_MAX
   std::size_t written = 0;
   while (written < bytes.size()) {
-    const std::size_t size = std::min(bytes.size() - written, most);
-    const ssize_t count = ::write(STDOUT_FILENO, bytes.data() + written, size);
+    const std::string_view piece = common::forOneCall(bytes.substr(written));
+    const ssize_t count = ::write(STDOUT_FILENO, piece.data(), piece.size());
     if (count >= 0) {
       written += static_cast<std::size_t>(count);
     } else if (errno == EAGAIN) {
