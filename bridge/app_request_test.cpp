@@ -16,12 +16,12 @@ std::string request(const bridge::Endpoint& endpoint, std::string_view tool,
   return std::string(bridge::appRequest(endpoint, tool, document.value().root()).view());
 }
 
-TEST(AppRequest, HasItsFourMembersAndNothingAround) {
+TEST(AppRequest, HasFourMembers) {
   EXPECT_EQ(request({1, 50123, "secret"}, "read_file", R"({ "drive" : "Home" })"),
             R"({"version":1,"token":"secret","tool":"read_file","arguments":{"drive":"Home"}})");
 }
 
-TEST(AppRequest, CarriesAnyVersion) {
+TEST(AppRequest, MayHaveAnyVersion) {
   EXPECT_EQ(request({INT64_MIN, 1, ""}, "", "{}"),
             R"({"version":-9223372036854775808,"token":"","tool":"","arguments":{}})");
 }
@@ -31,7 +31,7 @@ TEST(AppRequest, QuotesTokenAndTool) {
             R"({"version":0,"token":"a\"b\/c\\","tool":"\ud800\n","arguments":{}})");
 }
 
-TEST(AppRequest, PassesNumbersOnAsTheyWere) {
+TEST(AppRequest, KeepsNumbersUnchanged) {
   EXPECT_EQ(
       request({0, 1, ""}, "t", R"({"n":[1.0,1e400,12345678901234567890123]})"),
       R"({"version":0,"token":"","tool":"t","arguments":{"n":[1.0,1e400,12345678901234567890123]}})");

@@ -14,26 +14,25 @@
 #include <thread>
 
 #include "bridge/endpoint.h"
-#include "tests/unit/published_home.h"
+#include "tests/unit/home_override.h"
 
 namespace {
 
-/// One of the two texts that the file holds by turns; equally long, and unlike in every member.
+/// One of the two texts of the file. They have the same length and differ in every member.
 std::string textOf(int which, std::size_t filling) {
   const std::string digit = std::to_string(which);
   return R"({"version":)" + digit + R"(,"port":)" + digit + R"(000,"filling":")" +
          std::string(filling, 'x') + R"(","token":"token )" + digit + R"("})";
 }
 
-/// An application that cuts its file to nothing and writes it anew, again and again, never
-/// putting a finished file in the place of the old one.
-class CarelessWriter {
+/// An application that truncates and rewrites its file again and again, instead of replacing it.
+class NonAtomicWriter {
  public:
-  CarelessWriter(std::filesystem::path path, std::size_t filling, std::size_t piece)
+  NonAtomicWriter(std::filesystem::path path, std::size_t filling, std::size_t piece)
       : path_(std::move(path)), filling_(filling), piece_(piece), thread_([this] { run(); }) {}
-  CarelessWriter(const CarelessWriter&) = delete;
-  CarelessWriter& operator=(const CarelessWriter&) = delete;
-  ~CarelessWriter() {
+  NonAtomicWriter(const NonAtomicWriter&) = delete;
+  NonAtomicWriter& operator=(const NonAtomicWriter&) = delete;
+  ~NonAtomicWriter() {
     done_ = true;
     thread_.join();
   }
@@ -42,13 +41,13 @@ class CarelessWriter {
   void run() {
     for (int which = 1; !done_; which = 3 - which) {
       std::ofstream file;
-      file.rdbuf()->pubsetbuf(nullptr, 0);  // every write goes to the file by itself
+      file.rdbuf()->pubsetbuf(nullptr, 0);  // each << is a write of its own
       file.open(path_, std::ios::binary | std::ios::trunc);
       const std::string text = textOf(which, filling_);
       for (std::size_t at = 0; at < text.size(); at += piece_) {
         file << std::string_view(text).substr(at, piece_);
       }
-      std::this_thread::sleep_for(std::chrono::microseconds(50));  // or it is hardly ever whole
+      std::this_thread::sleep_for(std::chrono::microseconds(50));  // time to read it whole
     }
   }
 
@@ -59,8 +58,8 @@ class CarelessWriter {
   std::thread thread_;
 };
 
-/// Holds the thread that made it up for a moment, again and again, whatever it is about. Signals
-/// come in when a system call returns, so that it is mostly between two of them.
+/// Interrupts the thread that created it again and again. Signals are delivered when a system call
+/// returns, so the thread mostly pauses between two of them.
 class Interruptions {
  public:
   Interruptions() {
@@ -91,16 +90,16 @@ class Interruptions {
   std::thread thread_;
 };
 
-/// Reads the file, while it is rewritten in pieces of that size, until each of its two texts has
-/// been seen whole many times. Whatever is read must be one of them.
-void readsOneOrTheOther(std::size_t filling, std::size_t piece) {
-  constexpr int often = 300;
+/// Loads the endpoint while the file is rewritten in pieces of that size. Each time, it must be
+/// that of one of the two texts, or none.
+void expectNoMixture(std::size_t filling, std::size_t piece) {
+  constexpr int enough = 300;
   constexpr int mostLoads = 2'000'000;
-  const PublishedHome home;
-  const CarelessWriter writer(home.file().path(), filling, piece);
+  const HomeOverride home;
+  const NonAtomicWriter writer(home.file().path(), filling, piece);
   const Interruptions interruptions;
   std::map<std::int64_t, int> seen{{1, 0}, {2, 0}};
-  for (int load = 0; load < mostLoads && (seen[1] < often || seen[2] < often); ++load) {
+  for (int load = 0; load < mostLoads && (seen[1] < enough || seen[2] < enough); ++load) {
     const auto endpoint = bridge::Endpoint::load();
     if (!endpoint) continue;
     const std::int64_t which = endpoint->version;
@@ -109,24 +108,24 @@ void readsOneOrTheOther(std::size_t filling, std::size_t piece) {
     ASSERT_EQ(endpoint->port, which * 1000);
     ASSERT_EQ(endpoint->token, "token " + std::to_string(which));
   }
-  EXPECT_GE(seen[1], often);
-  EXPECT_GE(seen[2], often);
+  EXPECT_GE(seen[1], enough);
+  EXPECT_GE(seen[2], enough);
 }
 
-TEST(EndpointBeingRewritten, IsTheOldOneTheNewOneOrNone) {
-  readsOneOrTheOther(0, 1000);
+TEST(EndpointBeingRewritten, IsNeverAMixtureOfSmallFiles) {
+  expectNoMixture(0, 1000);
 }
 
-TEST(EndpointBeingRewritten, IsNeverAMixtureOfSmallPieces) {
-  readsOneOrTheOther(0, 7);
+TEST(EndpointBeingRewritten, IsNeverAMixtureOfSmallFilesWrittenInPieces) {
+  expectNoMixture(0, 7);
 }
 
-TEST(EndpointBeingRewritten, IsNeverAMixtureOfPages) {
-  readsOneOrTheOther(8'000, 100'000);
+TEST(EndpointBeingRewritten, IsNeverAMixtureOfBigFiles) {
+  expectNoMixture(8'000, 100'000);
 }
 
-TEST(EndpointBeingRewritten, IsNeverAMixtureOfPagesInPieces) {
-  readsOneOrTheOther(8'000, 1'000);
+TEST(EndpointBeingRewritten, IsNeverAMixtureOfBigFilesWrittenInPieces) {
+  expectNoMixture(8'000, 1'000);
 }
 
 }  // namespace

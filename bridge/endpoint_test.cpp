@@ -7,19 +7,19 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/unit/published_home.h"
+#include "tests/unit/home_override.h"
 
 namespace {
 
-/// The endpoint when the file holds these bytes.
-std::optional<bridge::Endpoint> loaded(std::string_view bytes) {
-  const PublishedHome home;
+/// The endpoint in a file with these bytes.
+std::optional<bridge::Endpoint> loadFrom(std::string_view bytes) {
+  const HomeOverride home;
   home.file().write(bytes);
   return bridge::Endpoint::load();
 }
 
-TEST(Endpoint, IsReadFromTheFile) {
-  const auto endpoint = loaded(R"({"port":50123,"token":"t","version":1,"further":{"port":1}})");
+TEST(Endpoint, HasTheMembersOfTheFile) {
+  const auto endpoint = loadFrom(R"({"port":50123,"token":"t","version":1,"further":{"port":1}})");
   ASSERT_TRUE(endpoint);
   EXPECT_EQ(endpoint->version, 1);
   EXPECT_EQ(endpoint->port, 50123);
@@ -27,136 +27,136 @@ TEST(Endpoint, IsReadFromTheFile) {
 }
 
 TEST(Endpoint, MissingFileIsNoEndpoint) {
-  const PublishedHome home;
+  const HomeOverride home;
   EXPECT_FALSE(bridge::Endpoint::load());
 }
 
 TEST(Endpoint, MissingFolderIsNoEndpoint) {
-  const PublishedHome home;
+  const HomeOverride home;
   std::filesystem::remove_all(home.file().path().parent_path());
   EXPECT_FALSE(bridge::Endpoint::load());
 }
 
-TEST(Endpoint, FolderInThePlaceOfTheFileIsNoEndpoint) {
-  const PublishedHome home;
+TEST(Endpoint, FolderInPlaceOfTheFileIsNoEndpoint) {
+  const HomeOverride home;
   std::filesystem::create_directory(home.file().path());
   EXPECT_FALSE(bridge::Endpoint::load());
 }
 
-TEST(Endpoint, NamedPipeInThePlaceOfTheFileIsNoEndpointAndNoWait) {
-  const PublishedHome home;
+TEST(Endpoint, NamedPipeInPlaceOfTheFileIsNoEndpoint) {
+  const HomeOverride home;
   ASSERT_EQ(mkfifo(home.file().path().c_str(), 0600), 0);
   EXPECT_FALSE(bridge::Endpoint::load());
 }
 
 TEST(Endpoint, EveryMemberIsRequired) {
-  EXPECT_FALSE(loaded(R"({"port":1,"token":"t"})"));
-  EXPECT_FALSE(loaded(R"({"version":1,"token":"t"})"));
-  EXPECT_FALSE(loaded(R"({"version":1,"port":1})"));
-  EXPECT_FALSE(loaded("{}"));
+  EXPECT_FALSE(loadFrom(R"({"port":1,"token":"t"})"));
+  EXPECT_FALSE(loadFrom(R"({"version":1,"token":"t"})"));
+  EXPECT_FALSE(loadFrom(R"({"version":1,"port":1})"));
+  EXPECT_FALSE(loadFrom("{}"));
 }
 
 TEST(Endpoint, NullMemberIsNoEndpoint) {
-  EXPECT_FALSE(loaded(R"({"version":null,"port":1,"token":"t"})"));
-  EXPECT_FALSE(loaded(R"({"version":1,"port":null,"token":"t"})"));
-  EXPECT_FALSE(loaded(R"({"version":1,"port":1,"token":null})"));
+  EXPECT_FALSE(loadFrom(R"({"version":null,"port":1,"token":"t"})"));
+  EXPECT_FALSE(loadFrom(R"({"version":1,"port":null,"token":"t"})"));
+  EXPECT_FALSE(loadFrom(R"({"version":1,"port":1,"token":null})"));
 }
 
-TEST(Endpoint, PortGivenAsStringIsNoEndpoint) {
-  EXPECT_FALSE(loaded(R"({"version":1,"port":"50123","token":"t"})"));
+TEST(Endpoint, PortAsAStringIsNoEndpoint) {
+  EXPECT_FALSE(loadFrom(R"({"version":1,"port":"50123","token":"t"})"));
 }
 
 TEST(Endpoint, MembersOfOtherTypesAreNoEndpoint) {
-  EXPECT_FALSE(loaded(R"({"version":"1","port":1,"token":"t"})"));
-  EXPECT_FALSE(loaded(R"({"version":true,"port":1,"token":"t"})"));
-  EXPECT_FALSE(loaded(R"({"version":1,"port":[1],"token":"t"})"));
-  EXPECT_FALSE(loaded(R"({"version":1,"port":1,"token":1})"));
-  EXPECT_FALSE(loaded(R"({"version":1,"port":1,"token":{}})"));
+  EXPECT_FALSE(loadFrom(R"({"version":"1","port":1,"token":"t"})"));
+  EXPECT_FALSE(loadFrom(R"({"version":true,"port":1,"token":"t"})"));
+  EXPECT_FALSE(loadFrom(R"({"version":1,"port":[1],"token":"t"})"));
+  EXPECT_FALSE(loadFrom(R"({"version":1,"port":1,"token":1})"));
+  EXPECT_FALSE(loadFrom(R"({"version":1,"port":1,"token":{}})"));
 }
 
-TEST(Endpoint, NamesAreComparedExactly) {
-  EXPECT_FALSE(loaded(R"({"Version":1,"port":1,"token":"t"})"));
-  EXPECT_FALSE(loaded(R"({"version":1,"PORT":1,"token":"t"})"));
-  EXPECT_FALSE(loaded(R"({"version":1,"port":1,"token ":"t"})"));
+TEST(Endpoint, NamesMustMatchExactly) {
+  EXPECT_FALSE(loadFrom(R"({"Version":1,"port":1,"token":"t"})"));
+  EXPECT_FALSE(loadFrom(R"({"version":1,"PORT":1,"token":"t"})"));
+  EXPECT_FALSE(loadFrom(R"({"version":1,"port":1,"token ":"t"})"));
 }
 
-TEST(Endpoint, FractionsAreNoIntegers) {
-  EXPECT_FALSE(loaded(R"({"version":1.5,"port":1,"token":"t"})"));
-  EXPECT_FALSE(loaded(R"({"version":1,"port":80.25,"token":"t"})"));
+TEST(Endpoint, FractionsAreNotIntegers) {
+  EXPECT_FALSE(loadFrom(R"({"version":1.5,"port":1,"token":"t"})"));
+  EXPECT_FALSE(loadFrom(R"({"version":1,"port":80.25,"token":"t"})"));
 }
 
 TEST(Endpoint, IntegersMustFit64Bits) {
-  EXPECT_FALSE(loaded(R"({"version":9223372036854775808,"port":1,"token":"t"})"));
-  EXPECT_FALSE(loaded(R"({"version":1,"port":-9223372036854775809,"token":"t"})"));
+  EXPECT_FALSE(loadFrom(R"({"version":9223372036854775808,"port":1,"token":"t"})"));
+  EXPECT_FALSE(loadFrom(R"({"version":1,"port":-9223372036854775809,"token":"t"})"));
   const auto endpoint =
-      loaded(R"({"version":-9223372036854775808,"port":9223372036854775807,"token":"t"})");
+      loadFrom(R"({"version":-9223372036854775808,"port":9223372036854775807,"token":"t"})");
   ASSERT_TRUE(endpoint);
   EXPECT_EQ(endpoint->version, INT64_MIN);
   EXPECT_EQ(endpoint->port, INT64_MAX);
 }
 
-TEST(Endpoint, PortOutOfRangeLoads) {
+TEST(Endpoint, PortMayBeOutOfRange) {
   for (const int port : {-1, 0, 65536, 70000}) {
-    const auto endpoint = loaded(EndpointFile::text(port));
+    const auto endpoint = loadFrom(EndpointFile::text(port));
     ASSERT_TRUE(endpoint) << port;
     EXPECT_EQ(endpoint->port, port);
   }
 }
 
-TEST(Endpoint, AnyVersionLoads) {
+TEST(Endpoint, MayHaveAnyVersion) {
   for (const int version : {-5, 0, 999}) {
-    const auto endpoint = loaded(EndpointFile::text(1, "t", version));
+    const auto endpoint = loadFrom(EndpointFile::text(1, "t", version));
     ASSERT_TRUE(endpoint) << version;
     EXPECT_EQ(endpoint->version, version);
   }
 }
 
-TEST(Endpoint, TokenMayBeEmptyAndIsDecoded) {
-  EXPECT_EQ(loaded(R"({"version":1,"port":1,"token":""})")->token, "");
-  EXPECT_EQ(loaded(R"({"version":1,"port":1,"token":"a\/b\u00e9"})")->token, "a/b\xC3\xA9");
+TEST(Endpoint, TokenIsDecodedAndMayBeEmpty) {
+  EXPECT_EQ(loadFrom(R"({"version":1,"port":1,"token":""})")->token, "");
+  EXPECT_EQ(loadFrom(R"({"version":1,"port":1,"token":"a\/b\u00e9"})")->token, "a/b\xC3\xA9");
 }
 
-TEST(Endpoint, OtherContentsAreNoEndpoint) {
+TEST(Endpoint, FileWithOtherContentIsNoEndpoint) {
   const std::string usable = EndpointFile::text(50123);
-  EXPECT_TRUE(loaded(usable));
-  EXPECT_FALSE(loaded(""));
-  EXPECT_FALSE(loaded("  \n"));
-  EXPECT_FALSE(loaded("not JSON"));
-  EXPECT_FALSE(loaded("[" + usable + "]"));
-  EXPECT_FALSE(loaded(usable + "x"));
-  EXPECT_FALSE(loaded("{\"version\":1,\"port\":1,\"token\":\"\xFF\"}"));
+  EXPECT_TRUE(loadFrom(usable));
+  EXPECT_FALSE(loadFrom(""));
+  EXPECT_FALSE(loadFrom("  \n"));
+  EXPECT_FALSE(loadFrom("not JSON"));
+  EXPECT_FALSE(loadFrom("[" + usable + "]"));
+  EXPECT_FALSE(loadFrom(usable + "x"));
+  EXPECT_FALSE(loadFrom("{\"version\":1,\"port\":1,\"token\":\"\xFF\"}"));
 }
 
-TEST(Endpoint, HalfWrittenFileIsNoEndpoint) {
+TEST(Endpoint, IncompleteFileIsNoEndpoint) {
   const std::string usable = EndpointFile::text(50123);
   for (std::size_t length = 0; length < usable.size(); ++length) {
-    EXPECT_FALSE(loaded(usable.substr(0, length))) << length;
+    EXPECT_FALSE(loadFrom(usable.substr(0, length))) << length;
   }
 }
 
 TEST(Endpoint, FileMayBeLongAndEndInALineFeed) {
   const std::string filler(1000000, 'x');
-  EXPECT_TRUE(loaded("{\"filler\":\"" + filler +
-                     R"(","version":1,"port":1,"token":"t"})"
-                     "\n"));
+  EXPECT_TRUE(loadFrom("{\"filler\":\"" + filler +
+                       R"(","version":1,"port":1,"token":"t"})"
+                       "\n"));
 }
 
 TEST(Endpoint, FileAbove16MebibytesIsNoEndpoint) {
   constexpr std::size_t mostBytes = std::size_t{16} << 20U;
   const std::string usable = EndpointFile::text(50123);
-  EXPECT_TRUE(loaded(usable + std::string(mostBytes - usable.size(), ' ')));
-  EXPECT_FALSE(loaded(usable + std::string(mostBytes - usable.size() + 1, ' ')));
+  EXPECT_TRUE(loadFrom(usable + std::string(mostBytes - usable.size(), ' ')));
+  EXPECT_FALSE(loadFrom(usable + std::string(mostBytes - usable.size() + 1, ' ')));
 }
 
-TEST(Endpoint, SparseFileOf64GibibytesIsNoEndpointAndNothingIsAllocated) {
-  const PublishedHome home;
+TEST(Endpoint, SparseFileOf64GibibytesIsNoEndpoint) {
+  const HomeOverride home;
   home.file().publish(50123);
   std::filesystem::resize_file(home.file().path(), std::uintmax_t{64} << 30U);
   EXPECT_FALSE(bridge::Endpoint::load());
 }
 
-TEST(Endpoint, IsReadAfreshEachTime) {
-  const PublishedHome home;
+TEST(Endpoint, IsReadAgainEachTime) {
+  const HomeOverride home;
   home.file().publish(1000, "first", 1);
   EXPECT_EQ(bridge::Endpoint::load()->port, 1000);
   home.file().publish(2000, "second", 2);

@@ -9,10 +9,10 @@
 
 namespace {
 
-/// An environment variable that exists only in these tests.
+/// An environment variable that only these tests use.
 constexpr const char* variable = "QUILLMARK_TEST_HOME";
 
-std::string recordedHome() {
+std::string homeOfUser() {
   const passwd* user = getpwuid(getuid());
   return user != nullptr ? user->pw_dir : "";
 }
@@ -22,22 +22,22 @@ class HomeDirectory : public testing::Test {
   void TearDown() override { unsetenv(variable); }
 };
 
-TEST_F(HomeDirectory, IsTheVariable) {
+TEST_F(HomeDirectory, IsTheValueOfTheVariable) {
   setenv(variable, "/a folder/é", 1);
   EXPECT_EQ(bridge::homeDirectory(variable), "/a folder/é");
 }
 
-TEST_F(HomeDirectory, IsTheSystemsRecordIfTheVariableIsMissing) {
-  EXPECT_EQ(bridge::homeDirectory(variable), recordedHome());
+TEST_F(HomeDirectory, IsThatOfTheUserIfTheVariableIsMissing) {
+  EXPECT_EQ(bridge::homeDirectory(variable), homeOfUser());
 }
 
-TEST_F(HomeDirectory, IsTheSystemsRecordIfTheVariableIsEmpty) {
+TEST_F(HomeDirectory, IsThatOfTheUserIfTheVariableIsEmpty) {
   setenv(variable, "", 1);
-  EXPECT_EQ(bridge::homeDirectory(variable), recordedHome());
+  EXPECT_EQ(bridge::homeDirectory(variable), homeOfUser());
 }
 
 // On macOS the application ignores HOME.
-TEST_F(HomeDirectory, ReadsTheVariableOfTheSystem) {
+TEST_F(HomeDirectory, DependsOnTheVariableOfTheSystem) {
 #ifdef __APPLE__
   EXPECT_STREQ(bridge::homeVariable, "CFFIXED_USER_HOME");
 #else

@@ -1,7 +1,7 @@
 #include "tests/support/sanitizers.h"
 
-// Elsewhere that limit counts no threads. And that sanitizer ends a forked process which starts
-// a thread.
+// On macOS this limit does not count threads. ThreadSanitizer ends a forked process that starts a
+// thread.
 #if defined(__linux__) && !UNDER_THREAD_SANITIZER
 
 #include <gtest/gtest.h>
@@ -24,8 +24,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// From now on this process can start neither a thread nor a child. The limit counts for
-/// everybody but the administrator, so the process becomes somebody else first.
+/// From now on this process can start neither a thread nor a child. The limit does not apply to
+/// root, so the process gives up being root.
 bool giveUpThreads() {
   constexpr uid_t nobody = 65534;
   const rlimit none{.rlim_cur = 0, .rlim_max = 0};
@@ -39,8 +39,8 @@ bool giveUpThreads() {
   return false;
 }
 
-/// What the child process of a test says to it: that it was not even able to try.
-constexpr int notTried = 77;
+/// The exit status of a child process that could not set the limit.
+constexpr int couldNotTry = 77;
 
 class NoThreads : public testing::Test {
  protected:
@@ -49,19 +49,19 @@ class NoThreads : public testing::Test {
   ScriptedApp app;
 };
 
-TEST_F(NoThreads, ExchangeBringsItsReply) {
+TEST_F(NoThreads, ExchangeReturnsItsReply) {
   const auto exchange = [port = app.port()] {
-    if (!giveUpThreads()) std::_Exit(notTried);
+    if (!giveUpThreads()) std::_Exit(couldNotTry);
     const bridge::Outcome outcome = bridge::exchange(port, asBytes("{}"), 30s);
     std::_Exit(outcome.ended && outcome.reply ? 0 : 1);
   };
   EXPECT_EXIT(exchange(), testing::ExitedWithCode(0), "^$");
 }
 
-TEST_F(NoThreads, AbandonedExchangeDoesNotHarmTheNextOne) {
+TEST_F(NoThreads, AbandonedExchangeDoesNotAffectTheNext) {
   app.script({replyWhenReleased("{}")});
   const auto exchanges = [this] {
-    if (!giveUpThreads()) std::_Exit(notTried);
+    if (!giveUpThreads()) std::_Exit(couldNotTry);
     if (bridge::exchange(app.port(), asBytes("{}"), 1s).ended) std::_Exit(1);
     const bridge::Outcome next = bridge::exchange(app.port(), asBytes("{}"), 30s);
     std::_Exit(next.ended && next.reply ? 0 : 2);
@@ -69,9 +69,9 @@ TEST_F(NoThreads, AbandonedExchangeDoesNotHarmTheNextOne) {
   EXPECT_EXIT(exchanges(), testing::ExitedWithCode(0), "^$");
 }
 
-TEST_F(NoThreads, LaunchFailsAndSaysSo) {
+TEST_F(NoThreads, LaunchFails) {
   const auto launch = [] {
-    if (!giveUpThreads()) std::_Exit(notTried);
+    if (!giveUpThreads()) std::_Exit(couldNotTry);
     std::_Exit(bridge::launchApp() ? 1 : 0);
   };
   EXPECT_EXIT(launch(), testing::ExitedWithCode(0), "^$");

@@ -7,8 +7,6 @@
 #include <cstdint>
 #include <string>
 
-#include <nlohmann/json.hpp>
-
 #include "tests/support/scripts.h"
 
 namespace {
@@ -16,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-/// reachable(), with an application on a loopback port.
+/// reachable() with a scripted application.
 class Reachable : public testing::Test {
  protected:
   void SetUp() override { std::signal(SIGPIPE, SIG_IGN); }
@@ -25,14 +23,11 @@ class Reachable : public testing::Test {
   ScriptedApp app;
 };
 
-TEST_F(Reachable, AsksForTheDriveStatus) {
+TEST_F(Reachable, SendsADriveStatusRequest) {
   EXPECT_TRUE(reachable());
   EXPECT_TRUE(app.waitUntilClosedByServer(0));
-  EXPECT_EQ(nlohmann::json::parse(app.record(0).received),
-            (nlohmann::json{{"version", 7},
-                            {"token", "t/"},
-                            {"tool", "drive_status"},
-                            {"arguments", nlohmann::json::object()}}));
+  EXPECT_EQ(app.record(0).received,
+            R"({"version":7,"token":"t\/","tool":"drive_status","arguments":{}})");
   EXPECT_EQ(app.connectionCount(), 1U);
 }
 
@@ -41,23 +36,21 @@ TEST_F(Reachable, AnyBytesAreAnAnswer) {
   for (int i = 0; i < 4; ++i) EXPECT_TRUE(reachable()) << i;
 }
 
-TEST_F(Reachable, EndWithoutBytesIsNone) {
-  app.script({hangUp(), readAndHangUp(), [](AppConnection& connection) {
-                connection.readRequest();
-                connection.reset();
-              }});
+TEST_F(Reachable, EndWithoutBytesIsNoAnswer) {
+  app.script({closeUnread(), readAndClose(), readAndReset()});
   for (int i = 0; i < 3; ++i) EXPECT_FALSE(reachable()) << i;
 }
 
 TEST_F(Reachable, SilenceIsNoAnswerAfterThreeSeconds) {
   app.script({silence()});
-  const auto begun = Clock::now();
+  const auto start = Clock::now();
   EXPECT_FALSE(reachable());
-  EXPECT_GE(Clock::now() - begun, 3s);
-  EXPECT_LT(Clock::now() - begun, 10s);
+  const auto took = Clock::now() - start;
+  EXPECT_GE(took, 3s);
+  EXPECT_LT(took, 18s);  // however busy the machine is
 }
 
-TEST(ReachableDeathTest, PortOutsideTheRangeEndsTheProcessWithoutAWord) {
+TEST(ReachableDeathTest, PortOutsideTheRangeAbortsSilently) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (const std::int64_t port : {std::int64_t{-1}, std::int64_t{65536}, INT64_MIN, INT64_MAX}) {
     EXPECT_EXIT(bridge::reachable({.version = 1, .port = port, .token = ""}),

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <fstream>
 
@@ -19,7 +20,7 @@
 #include "tests/support/socket_io.h"
 #include "tests/unit/as_bytes.h"
 
-// That sanitizer ends a forked process which starts a thread.
+// ThreadSanitizer ends a forked process that starts a thread.
 #if !UNDER_THREAD_SANITIZER
 
 namespace {
@@ -28,8 +29,8 @@ using namespace std::chrono_literals;
 
 constexpr std::uint16_t onlyPort = 40000;
 
-/// A network with nothing but a loopback device, on which outgoing connections all get that one
-/// port. False if this process may not have one.
+/// Enters a network that has only a loopback device, and only one port for outgoing connections.
+/// False if the system does not allow it.
 bool enterNetworkWithOnePort() {
   if (::unshare(CLONE_NEWNET) != 0) return false;
   ifreq device{.ifr_ifrn = {"lo"}, .ifr_ifru = {}};
@@ -42,7 +43,7 @@ bool enterNetworkWithOnePort() {
   return ports.good();
 }
 
-bool meetsItself() {
+bool canConnectToItself() {
   const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
   resetWhenClosed(socket);
   const sockaddr_in address = loopback(onlyPort);
@@ -52,33 +53,34 @@ bool meetsItself() {
   return connected;
 }
 
-bool canBeListenedOn() {
+bool portIsFree() {
   const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
   const sockaddr_in address = loopback(onlyPort);
   return ::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
          ::listen(socket, 1) == 0;
 }
 
-/// What became of an exchange there.
-enum class Finding { asItShould, tookItselfForTheApplication, keptThePort, notTried };
+/// The result of an exchange in such a network.
+enum class Finding : std::uint8_t { refused, connectedToItself, portInUse, notTried };
 
-Finding exchangeWhereOneMeetsItself() {
+Finding exchangeOnTheOnlyPort() {
   using enum Finding;
-  if (!enterNetworkWithOnePort() || !meetsItself()) return notTried;
+  if (!enterNetworkWithOnePort() || !canConnectToItself()) return notTried;
   const bridge::Outcome outcome = bridge::exchange(onlyPort, asBytes("{}"), 1s);
-  if (outcome.ended || outcome.reply) return tookItselfForTheApplication;
-  return canBeListenedOn() ? asItShould : keptThePort;
+  if (outcome.ended || outcome.reply) return connectedToItself;
+  return portIsFree() ? refused : portInUse;
 }
 
-TEST(SelfConnection, IsNoApplicationAndKeepsNoPortFromIt) {
+TEST(SelfConnect, CountsAsRefusedAndFreesThePort) {
   const pid_t child = ::fork();
-  if (child == 0) std::_Exit(static_cast<int>(exchangeWhereOneMeetsItself()));
+  if (child == 0) std::_Exit(static_cast<int>(exchangeOnTheOnlyPort()));
   int status = 0;
   ASSERT_EQ(::waitpid(child, &status, 0), child);
   ASSERT_TRUE(WIFEXITED(status));
   const auto finding = static_cast<Finding>(WEXITSTATUS(status));
-  if (finding == Finding::notTried) GTEST_SKIP() << "no network of its own to be had";
-  EXPECT_EQ(finding, Finding::asItShould);
+  if (finding == Finding::notTried)
+    GTEST_SKIP() << "needs a network of its own: run as root or in a privileged container";
+  EXPECT_EQ(finding, Finding::refused);
 }
 
 }  // namespace

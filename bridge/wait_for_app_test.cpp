@@ -16,27 +16,30 @@ using bridge::Endpoint;
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
-/// waitForApp() with a scripted world around it, and a record of what it did there.
+/// waitForApp() with scripted dependencies, and a record of what it did. The wall clock shows 0.4
+/// seconds more after each read of the endpoint file, so that a busy machine makes no difference.
 class WaitForApp : public testing::Test {
  protected:
   std::optional<Endpoint> wait(Seconds timeout) {
-    begun_ = Clock::now();
+    start_ = Clock::now();
     auto endpoint = bridge::waitForApp(
-        timeout, {.load = [this] { return load(); },
-                  .probe = [this](const Endpoint& found) { return probe(found); },
-                  .launch = [this] { return launch(); }});
-    took = Clock::now() - begun_;
+        timeout,
+        {.load = [this] { return load(); },
+         .probe = [this](const Endpoint& found) { return probe(found); },
+         .launch = [this] { return launch(); },
+         .wallClock = [this] { return std::chrono::system_clock::time_point(loadCount * 400ms); }});
+    took = Clock::now() - start_;
     return endpoint;
   }
 
-  /// What each look at the endpoint file finds; the last is found again and again.
+  /// What each read of the endpoint file finds. The last one stays.
   std::deque<std::optional<Endpoint>> files{std::nullopt};
-  /// The port that the application answers on.
+  /// The port on which the application answers.
   std::int64_t answering = -1;
   bool launches = true;
 
   std::vector<std::int64_t> probed;
-  std::vector<Seconds> looks;  ///< when the file was looked at after the launch
+  std::vector<Seconds> reads;  ///< when the file was read after the launch
   int launchCount = 0;
   int loadCount = 0;
   Seconds took{};
@@ -44,7 +47,7 @@ class WaitForApp : public testing::Test {
  private:
   std::optional<Endpoint> load() {
     ++loadCount;
-    if (launchCount > 0) looks.emplace_back(Clock::now() - launched_);
+    if (launchCount > 0) reads.emplace_back(Clock::now() - launched_);
     auto file = files.front();
     if (files.size() > 1) files.pop_front();
     return file;
@@ -59,7 +62,7 @@ class WaitForApp : public testing::Test {
     return launches;
   }
 
-  Clock::time_point begun_;
+  Clock::time_point start_;
   Clock::time_point launched_;
 };
 
@@ -67,7 +70,7 @@ Endpoint on(std::int64_t port) {
   return {.version = 1, .port = port, .token = "token"};
 }
 
-TEST_F(WaitForApp, EndpointThatAnswersIsReturnedWithoutALaunch) {
+TEST_F(WaitForApp, ReturnsAnEndpointThatAnswersWithoutLaunching) {
   files = {on(1000)};
   answering = 1000;
   const auto endpoint = wait(20s);
@@ -79,49 +82,48 @@ TEST_F(WaitForApp, EndpointThatAnswersIsReturnedWithoutALaunch) {
   EXPECT_EQ(loadCount, 1);
 }
 
-TEST_F(WaitForApp, FailedLaunchEndsTheWaitAtOnce) {
+TEST_F(WaitForApp, FailedLaunchEndsTheWait) {
   files = {on(1000)};
   launches = false;
   EXPECT_FALSE(wait(20s));
   EXPECT_EQ(launchCount, 1);
   EXPECT_EQ(loadCount, 1);
-  EXPECT_LT(took, 10s);
 }
 
-TEST_F(WaitForApp, WithoutTimeLaunchesOnceAndLooksNoFurther) {
+TEST_F(WaitForApp, WithoutTimeLaunchesAndReadsNothing) {
   files = {on(1000), on(2000)};
   answering = 2000;
   for (const Seconds timeout : {0s, -1s, -1000000s}) {
     launchCount = 0;
-    looks.clear();
+    reads.clear();
     files = {on(1000), on(2000)};
     EXPECT_FALSE(wait(timeout));
     EXPECT_EQ(launchCount, 1) << timeout.count();
-    EXPECT_TRUE(looks.empty()) << timeout.count();
+    EXPECT_TRUE(reads.empty()) << timeout.count();
   }
 }
 
-TEST_F(WaitForApp, MissingFileIsLookedForAndNothingProbed) {
+TEST_F(WaitForApp, ProbesNothingWithoutAFile) {
   EXPECT_FALSE(wait(1s));
   EXPECT_EQ(launchCount, 1);
   EXPECT_TRUE(probed.empty());
 }
 
-TEST_F(WaitForApp, LooksEveryFourTenthsOfASecondUntilTheTimeIsUp) {
+TEST_F(WaitForApp, ReadsEvery400MillisecondsUntilTheTimeout) {
   EXPECT_FALSE(wait(1s));
-  EXPECT_GE(looks.size(), 2U);  // on a machine too busy to keep the pace
-  EXPECT_LE(looks.size(), 3U);
-  for (std::size_t i = 1; i < looks.size(); ++i) EXPECT_GE(looks[i] - looks[i - 1], 0.39s) << i;
-  EXPECT_GE(took, 1s);
+  ASSERT_EQ(reads.size(), 3U);
+  EXPECT_GE(reads[1] - reads[0], 0.39s);
+  EXPECT_GE(reads[2] - reads[1], 0.39s);
+  EXPECT_GE(took, 1.1s);
 }
 
-TEST_F(WaitForApp, SleepIsNotShortenedByTheDeadline) {
+TEST_F(WaitForApp, DoesNotShortenThePauseAtTheTimeout) {
   EXPECT_FALSE(wait(0.2s));
-  EXPECT_EQ(looks.size(), 1U);
+  EXPECT_EQ(reads.size(), 1U);
   EXPECT_GE(took, 0.39s);
 }
 
-TEST_F(WaitForApp, EndpointPublishedAfterTheLaunchIsReturned) {
+TEST_F(WaitForApp, ReturnsAnEndpointPublishedAfterTheLaunch) {
   files = {std::nullopt, std::nullopt, on(3000)};
   answering = 3000;
   const auto endpoint = wait(20s);
@@ -132,7 +134,7 @@ TEST_F(WaitForApp, EndpointPublishedAfterTheLaunchIsReturned) {
   EXPECT_EQ(probed, std::vector<std::int64_t>{3000});
 }
 
-TEST_F(WaitForApp, StaleEndpointIsReplacedByTheFreshOne) {
+TEST_F(WaitForApp, ProbesAnOldEndpointUntilItIsReplaced) {
   files = {on(1000), on(1000), on(2000)};
   answering = 2000;
   const auto endpoint = wait(20s);
@@ -142,10 +144,10 @@ TEST_F(WaitForApp, StaleEndpointIsReplacedByTheFreshOne) {
   EXPECT_EQ(launchCount, 1);
 }
 
-TEST_F(WaitForApp, AnswerInTheFirstPassCostsNoSleep) {
+TEST_F(WaitForApp, AnswerToTheFirstReadNeedsNoPause) {
   answering = 2000;
-  Seconds shortest = 1h;  // a busy machine may take its time, but not always
-  for (int i = 0; i < 5; ++i) {
+  Seconds shortest = 1h;  // a busy machine can be slow, but not every time
+  for (int attempt = 0; shortest >= 0.39s && attempt < 20; ++attempt) {
     files = {std::nullopt, on(2000)};
     EXPECT_TRUE(wait(20s));
     shortest = std::min(shortest, took);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -11,8 +12,7 @@
 #include "catalogue/tools.h"
 #include "tests/unit/written.h"
 
-// The texts themselves are compared with tools.json by the end-to-end tests; here it is the
-// rendering that is tested, against the table.
+// The end-to-end tests compare the texts with tools.json. These tests compare the JSON with the table.
 
 namespace {
 
@@ -20,7 +20,7 @@ nlohmann::json definitions() {
   return nlohmann::json::parse(toolDefinitions());
 }
 
-TEST(ToolDefinitions, AreAnArrayOfAllToolsInTheirOrder) {
+TEST(ToolDefinitions, ListAllToolsInOrder) {
   std::vector<std::string> names;
   for (const auto& tool : definitions()) names.push_back(tool.at("name"));
   EXPECT_EQ(names, (std::vector<std::string>{"search_drives", "list_directory", "get_file_info",
@@ -29,7 +29,7 @@ TEST(ToolDefinitions, AreAnArrayOfAllToolsInTheirOrder) {
                                              "propose_cleanup", "drive_status"}));
 }
 
-TEST(ToolDefinitions, HaveTheTablesTextsAndNothingElse) {
+TEST(ToolDefinitions, HaveTheTextsOfTheTableAndNothingElse) {
   const nlohmann::json all = definitions();
   ASSERT_EQ(all.size(), std::size(AgentProtocol::tools));
   for (std::size_t i = 0; i < all.size(); ++i) {
@@ -49,12 +49,12 @@ TEST(ToolDefinitions, HaveTheTablesTextsAndNothingElse) {
   }
 }
 
-TEST(ToolDefinitions, OfAToolWithoutParametersHaveAnEmptySchema) {
+TEST(ToolDefinitions, WithoutParametersHaveAnEmptySchema) {
   EXPECT_EQ(definitions().back().at("inputSchema"),
             nlohmann::json::parse(R"({"type":"object","properties":{},"required":[]})"));
 }
 
-TEST(ToolDefinitions, OfOptionalParametersAloneRequireNothing) {
+TEST(ToolDefinitions, WithOnlyOptionalParametersRequireNothing) {
   const std::set<std::string> optional{"find_duplicates", "storage_summary", "recent_changes",
                                        "propose_cleanup", "drive_status"};
   for (const auto& tool : definitions()) {
@@ -70,7 +70,7 @@ TEST(ToolDefinitions, KeepTheOrderOfRequiredParameters) {
             (nlohmann::json{"drive", "path", "content"}));
 }
 
-TEST(ToolDefinitions, DescriptionsHaveTheirLengthsInBytes) {
+TEST(ToolDefinitions, HaveDescriptionsOfThePublishedLengths) {
   std::vector<std::size_t> lengths;
   for (const auto& tool : definitions()) {
     lengths.push_back(tool.at("description").get_ref<const std::string&>().size());
@@ -79,7 +79,24 @@ TEST(ToolDefinitions, DescriptionsHaveTheirLengthsInBytes) {
             (std::vector<std::size_t>{147, 51, 187, 124, 231, 253, 174, 137, 172, 201, 132}));
 }
 
-TEST(ToolDefinitions, AreCompactTextOfThisWriter) {
+TEST(ToolDefinitions, HaveParametersOfThePublishedTypes) {
+  const std::map<std::string, std::string> types = {
+      {"query", "string"},     {"drive", "string"},          {"path", "string"},
+      {"content", "string"},   {"from_drive", "string"},     {"to_drive", "string"},
+      {"to_folder", "string"}, {"limit", "integer"},         {"max_bytes", "integer"},
+      {"dry_run", "boolean"},  {"minimum_bytes", "integer"}, {"stale_after_days", "integer"},
+      {"move", "boolean"}};
+  std::size_t parameters = 0;
+  for (const auto& tool : definitions()) {
+    for (const auto& [name, property] : tool.at("inputSchema").at("properties").items()) {
+      EXPECT_EQ(property.at("type"), types.at(name)) << name;
+      ++parameters;
+    }
+  }
+  EXPECT_EQ(parameters, 27U);
+}
+
+TEST(ToolDefinitions, AreCompactJson) {
   EXPECT_EQ(compact(toolDefinitions()), toolDefinitions());
 }
 
@@ -87,7 +104,7 @@ TEST(ToolDefinitions, AreTheSameTextEachTime) {
   EXPECT_EQ(toolDefinitions().data(), toolDefinitions().data());
 }
 
-TEST(Tools, NameEachParameterOnceAndRequireOnlyParameters) {
+TEST(Tools, HaveUniqueParametersAndRequireOnlyThese) {
   for (const AgentProtocol::Tool& tool : AgentProtocol::tools) {
     std::set<std::string_view> names;
     for (const auto& [name, property] : tool.properties) EXPECT_TRUE(names.insert(name).second);

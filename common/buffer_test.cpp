@@ -23,13 +23,13 @@ Buffer<int> oneToFive() {
   return buffer;
 }
 
-TEST(Buffer, IsEmptyAtFirst) {
+TEST(Buffer, IsInitiallyEmpty) {
   const Buffer<int> buffer;
   EXPECT_EQ(buffer.size(), 0U);
   EXPECT_EQ(buffer.capacity(), 0U);
 }
 
-TEST(Buffer, KeepsEveryValueWhileItGrows) {
+TEST(Buffer, KeepsItsValuesWhenItGrows) {
   Buffer<int> buffer;
   std::vector<int> expected;
   expected.reserve(100000);
@@ -40,7 +40,7 @@ TEST(Buffer, KeepsEveryValueWhileItGrows) {
   EXPECT_EQ(contents(buffer), expected);
 }
 
-TEST(Buffer, AppendsManyValuesAtOnce) {
+TEST(Buffer, AppendsSeveralValues) {
   Buffer<int> buffer = oneToFive();
   buffer.append(std::vector<int>(1000, 7));
   ASSERT_EQ(buffer.size(), 1005U);
@@ -55,7 +55,7 @@ TEST(Buffer, AppendsNothing) {
   EXPECT_EQ(buffer.size(), 0U);
 }
 
-TEST(Buffer, RoomIsNoPartOfItUntilCommitted) {
+TEST(Buffer, RoomIsAddedByCommit) {
   Buffer<int> buffer = oneToFive();
   int* const room = buffer.room(1000);
   EXPECT_EQ(buffer.size(), 5U);
@@ -66,7 +66,7 @@ TEST(Buffer, RoomIsNoPartOfItUntilCommitted) {
   EXPECT_EQ(contents(buffer), (std::vector{1, 2, 3, 4, 5, 6, 7}));
 }
 
-TEST(Buffer, RoomThatIsThereMovesNothing) {
+TEST(Buffer, DoesNotMoveWhileThereIsRoom) {
   Buffer<int> buffer;
   buffer.room(1000);
   const int* const before = buffer.data();
@@ -74,7 +74,7 @@ TEST(Buffer, RoomThatIsThereMovesNothing) {
   EXPECT_EQ(buffer.data(), before);
 }
 
-TEST(Buffer, GrowsByAtLeastTwice) {
+TEST(Buffer, DoublesItsCapacity) {
   Buffer<char> buffer;
   std::size_t moves = 0;
   std::size_t capacity = 0;
@@ -96,7 +96,7 @@ TEST(Buffer, DropsFromTheFront) {
   EXPECT_EQ(buffer.size(), 0U);
 }
 
-TEST(Buffer, LastIsTheOnePushedLast) {
+TEST(Buffer, LastIsTheLastValue) {
   Buffer<int> buffer = oneToFive();
   EXPECT_EQ(buffer.last(), 5);
   buffer.last() = 9;
@@ -104,7 +104,7 @@ TEST(Buffer, LastIsTheOnePushedLast) {
   EXPECT_EQ(contents(buffer), (std::vector{1, 2, 3, 4, 9, 10}));
 }
 
-TEST(Buffer, MovesWithItsPointersValid) {
+TEST(Buffer, MovingKeepsPointersValid) {
   Buffer<int> from = oneToFive();
   const int* const values = from.data();
   const Buffer<int> to = std::move(from);
@@ -112,14 +112,14 @@ TEST(Buffer, MovesWithItsPointersValid) {
   EXPECT_EQ(contents(to), (std::vector{1, 2, 3, 4, 5}));
 }
 
-TEST(Buffer, MoveAssignmentReplacesWhatWasThere) {
+TEST(Buffer, MoveAssignmentReplacesTheValues) {
   Buffer<int> to;
   to.push(9);
   to = oneToFive();
   EXPECT_EQ(contents(to), (std::vector{1, 2, 3, 4, 5}));
 }
 
-TEST(Buffer, MoreThanAnyMemoryThrowsAndChangesNothing) {
+TEST(Buffer, ThrowsWithoutAChangeWhenOutOfMemory) {
   Buffer<std::uint64_t> buffer;
   buffer.push(1);
   EXPECT_THROW(buffer.room(SIZE_MAX / 8), std::bad_alloc);

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <string>
 
-#include <nlohmann/json.hpp>
+#include "tests/unit/reference.h"
 
 namespace json {
 namespace {
@@ -17,13 +17,14 @@ std::string written(char32_t character) {
   return {room.data(), writeCharacter<escaping>(room.data(), character)};
 }
 
-/// The reference's literal without its quotes. It does not escape slashes.
+/// The literal of the reference without its quotes.
 std::string literal(const std::string& text) {
-  std::string dumped = nlohmann::json(text).dump();
-  for (std::size_t at = dumped.find('/'); at != std::string::npos; at = dumped.find('/', at + 2)) {
-    dumped.insert(at, 1, '\\');
-  }
-  return dumped.substr(1, dumped.size() - 2);
+  const std::string quoted = reference::literal(text);
+  return quoted.substr(1, quoted.size() - 2);
+}
+
+bool isASurrogate(char32_t codePoint) {
+  return codePoint >= 0xD800 && codePoint <= 0xDFFF;
 }
 
 TEST(WriteCharacter, EscapesAsciiLikeTheReference) {
@@ -37,13 +38,13 @@ TEST(WriteCharacter, EscapesAsciiLikeTheReference) {
 TEST(WriteCharacter, WritesEveryOtherCodePointAsUtf8AndSurrogatesAsEscapes) {
   for (char32_t character = 0x80; character <= 0x10FFFF; ++character) {
     std::array<char, 16> expected{};
-    if (isSurrogate(character)) {
+    if (isASurrogate(character)) {
       std::snprintf(expected.data(), expected.size(), "\\u%04x", static_cast<unsigned>(character));
     } else {
       utf8::append(character, expected.data());
     }
     ASSERT_EQ(written<Escaping::once>(character), expected.data());
-    const std::string twice = (isSurrogate(character) ? "\\" : "") + std::string(expected.data());
+    const std::string twice = (isASurrogate(character) ? "\\" : "") + std::string(expected.data());
     ASSERT_EQ(written<Escaping::twice>(character), twice);
   }
 }

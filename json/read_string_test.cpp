@@ -10,7 +10,7 @@
 namespace json {
 namespace {
 
-/// The code point by the general pattern of UTF-8, whether or not it may be encoded.
+/// The code point in the general pattern of UTF-8, even if this encoding is not allowed.
 std::string encoded(char32_t codePoint, int length) {
   constexpr std::array<unsigned, 5> leads{0, 0, 0xC0, 0xE0, 0xF0};
   std::string bytes;
@@ -41,12 +41,12 @@ Skipped skip(Progress (*skipPart)(const char*&, const char*), std::string_view t
   return {progress, at - bytes.data()};
 }
 
-TEST(SkipNonAscii, AcceptsTheEncodingOfEveryCodePointButSurrogates) {
+TEST(SkipNonAscii, AcceptsTheEncodingsOfAllCodePointsExceptSurrogates) {
   for (char32_t codePoint = 0x80; codePoint <= 0x10FFFF; ++codePoint) {
     const std::string bytes = encoded(codePoint);
-    const Skipped expected = isSurrogate(codePoint)
-                                 ? Skipped{Progress::malformed, 0}
-                                 : Skipped{Progress::done, static_cast<int>(bytes.size())};
+    const bool isSurrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
+    const Skipped expected = isSurrogate ? Skipped{Progress::malformed, 0}
+                                         : Skipped{Progress::done, static_cast<int>(bytes.size())};
     ASSERT_EQ(skip(skipNonAscii, bytes), expected) << std::hex << static_cast<unsigned>(codePoint);
   }
 }

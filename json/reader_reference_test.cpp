@@ -19,35 +19,35 @@ TEST(ReaderAgainstReference, AcceptsEveryRandomDocument) {
   RandomDocuments documents(1);
   for (int i = 0; i < 5000; ++i) {
     const std::string document = documents.next(50);
-    ASSERT_EQ(reference::verdict(document), reference::Verdict::wellFormed) << document;
+    ASSERT_EQ(reference::validity(document), reference::Validity::valid) << document;
     ASSERT_TRUE(read(document)) << document;
   }
 }
 
-TEST(ReaderAgainstReference, AgreesOnMutants) {
+TEST(ReaderAgainstReference, AgreesOnChangedDocuments) {
   RandomDocuments documents(2);
   int read = 0;
   int rejected = 0;
-  int undecided = 0;
+  int unknown = 0;
   for (int i = 0; i < 40000; ++i) {
-    const std::string mutant = documents.mutant(documents.next(12));
-    const auto written = compact(mutant);
-    switch (reference::verdict(mutant)) {
-      case reference::Verdict::wellFormed:
-        ASSERT_TRUE(written) << mutant;
-        ASSERT_EQ(reference::tree(*written), reference::tree(mutant)) << mutant;
+    const std::string changed = documents.changed(documents.next(12));
+    const auto written = compact(changed);
+    switch (reference::validity(changed)) {
+      case reference::Validity::valid:
+        ASSERT_TRUE(written) << changed;
+        ASSERT_EQ(reference::tree(*written), reference::tree(changed)) << changed;
         ++read;
         break;
-      case reference::Verdict::malformed:
-        ASSERT_FALSE(written) << mutant;
+      case reference::Validity::invalid:
+        ASSERT_FALSE(written) << changed;
         ++rejected;
         break;
-      case reference::Verdict::none: ++undecided;
+      case reference::Validity::unknown: ++unknown;
     }
   }
   EXPECT_GT(read, 4000);
   EXPECT_GT(rejected, 10000);
-  EXPECT_LT(undecided, 1000);
+  EXPECT_LT(unknown, 1000);
 }
 
 /// The result of reading a text: the state and, if it is complete, the compact text.
@@ -95,7 +95,7 @@ TEST(ReaderAgainstReference, PiecesGiveTheSameResultAsTheWholeText) {
   RandomDocuments documents(3);
   for (int i = 0; i < 200; ++i) {
     const std::string document = documents.next(15);
-    const std::string text = i % 2 == 0 ? document : documents.mutant(document);
+    const std::string text = i % 2 == 0 ? document : documents.changed(document);
     const Outcome expected = whole(text);
     for (std::size_t split = 0; split <= text.size(); split += stride(text)) {
       ASSERT_EQ(inTwoPieces(text, split), expected) << text << " split at " << split;

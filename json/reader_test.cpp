@@ -128,12 +128,12 @@ TEST(Reader, AcceptsNestingOf512AndRejects513) {
   EXPECT_EQ(state(nested(256, R"([{"a":)", "}]").insert(256UZ * 6, "1")), State::complete);
 }
 
-TEST(Reader, SiblingsDoNotAddUpToNesting) {
+TEST(Reader, DoesNotCountSiblingsAsNesting) {
   const std::string deep = nested(511, "[", "]");
   EXPECT_EQ(state("[" + deep + "," + deep + "," + deep + "]"), State::complete);
 }
 
-TEST(Reader, MillionsOfLevelsAreMalformed) {
+TEST(Reader, RejectsMillionsOfLevels) {
   EXPECT_EQ(state(std::string(10'000'000, '[')), State::malformed);
 }
 
@@ -146,7 +146,7 @@ TEST(Reader, EveryPrefixOfAMessageIsIncomplete) {
   EXPECT_EQ(state(text), State::complete);
 }
 
-TEST(Reader, ContinuesWhenTheTextGrowsAndMoves) {
+TEST(Reader, ContinuesInALongerTextAtAnotherAddress) {
   const std::string text = R"({"a":[1.25,"b\u0041\/c",{"d":true}],"e":null} )";
   Reader reader;
   for (std::size_t length = 0; length < text.size() - 2; ++length) {
@@ -166,7 +166,7 @@ TEST(Reader, StaysMalformed) {
   EXPECT_EQ(reader.state(), State::malformed);
 }
 
-TEST(Reader, TextAfterACompleteMessageMakesItMalformed) {
+TEST(Reader, RejectsTextThatArrivesAfterACompleteMessage) {
   Reader reader;
   EXPECT_EQ(reader.read("[1]"), State::complete);
   EXPECT_EQ(reader.read("[1] \n"), State::complete);

@@ -12,10 +12,10 @@
 namespace json {
 namespace {
 
-/// A message whose member "value" is looked at.
-class Held {
+/// A message with this value as one of its members.
+class MessageWith {
  public:
-  explicit Held(std::string_view value)
+  explicit MessageWith(std::string_view value)
       : text_(R"({"before":[1,{"value":0}],"value":)" + std::string(value) + ",\"after\":{}}"),
         document_(read(text_)) {}
 
@@ -27,71 +27,71 @@ class Held {
 };
 
 std::optional<std::int64_t> integer(std::string_view text) {
-  return Held(text).value().integer();
+  return MessageWith(text).value().integer();
 }
 
 std::optional<std::string> string(std::string_view text) {
-  return Held(text).value().string();
+  return MessageWith(text).value().string();
 }
 
-TEST(Value, HasTheKindThatWasWritten) {
-  EXPECT_EQ(Held(R"({"a":1})").value().kind(), Kind::object);
-  EXPECT_EQ(Held("[1]").value().kind(), Kind::array);
-  EXPECT_EQ(Held(R"("a")").value().kind(), Kind::string);
-  EXPECT_EQ(Held("-1.5").value().kind(), Kind::number);
-  EXPECT_EQ(Held("true").value().kind(), Kind::trueLiteral);
-  EXPECT_EQ(Held("false").value().kind(), Kind::falseLiteral);
-  EXPECT_EQ(Held("null").value().kind(), Kind::null);
+TEST(Value, HasAKind) {
+  EXPECT_EQ(MessageWith(R"({"a":1})").value().kind(), Kind::object);
+  EXPECT_EQ(MessageWith("[1]").value().kind(), Kind::array);
+  EXPECT_EQ(MessageWith(R"("a")").value().kind(), Kind::string);
+  EXPECT_EQ(MessageWith("-1.5").value().kind(), Kind::number);
+  EXPECT_EQ(MessageWith("true").value().kind(), Kind::trueLiteral);
+  EXPECT_EQ(MessageWith("false").value().kind(), Kind::falseLiteral);
+  EXPECT_EQ(MessageWith("null").value().kind(), Kind::null);
 }
 
-TEST(Value, IsTrueForTheLiteralAlone) {
-  EXPECT_TRUE(Held("true").value().isTrue());
+TEST(Value, IsTrueOnlyForTheLiteral) {
+  EXPECT_TRUE(MessageWith("true").value().isTrue());
   for (const char* other : {"false", "null", "1", R"("true")", "[true]", "{}"}) {
-    EXPECT_FALSE(Held(other).value().isTrue()) << other;
+    EXPECT_FALSE(MessageWith(other).value().isTrue()) << other;
   }
 }
 
 TEST(Value, MemberIsFoundByItsExactName) {
-  const Held held(R"({"Name":1,"name":2,"name ":3})");
-  EXPECT_EQ(held.value().member("name")->integer(), 2);
-  EXPECT_EQ(held.value().member("Name")->integer(), 1);
-  EXPECT_FALSE(held.value().member("NAME"));
-  EXPECT_FALSE(held.value().member("nam"));
-  EXPECT_FALSE(held.value().member(""));
+  const MessageWith message(R"({"Name":1,"name":2,"name ":3})");
+  EXPECT_EQ(message.value().member("name")->integer(), 2);
+  EXPECT_EQ(message.value().member("Name")->integer(), 1);
+  EXPECT_FALSE(message.value().member("NAME"));
+  EXPECT_FALSE(message.value().member("nam"));
+  EXPECT_FALSE(message.value().member(""));
 }
 
-TEST(Value, MemberIsFoundByWhatItsNameStandsFor) {
-  const Held held(R"({"a\/b":1,"\u0069d":2,"\ud83d\ude00":3,"":4})");
-  EXPECT_EQ(held.value().member("a/b")->integer(), 1);
-  EXPECT_EQ(held.value().member("id")->integer(), 2);
-  EXPECT_EQ(held.value().member("\xF0\x9F\x98\x80")->integer(), 3);
-  EXPECT_EQ(held.value().member("")->integer(), 4);
+TEST(Value, MemberIsFoundByItsDecodedName) {
+  const MessageWith message(R"({"a\/b":1,"\u0069d":2,"\ud83d\ude00":3,"":4})");
+  EXPECT_EQ(message.value().member("a/b")->integer(), 1);
+  EXPECT_EQ(message.value().member("id")->integer(), 2);
+  EXPECT_EQ(message.value().member("\xF0\x9F\x98\x80")->integer(), 3);
+  EXPECT_EQ(message.value().member("")->integer(), 4);
 }
 
-TEST(Value, LastMemberOfANameCounts) {
-  EXPECT_EQ(Held(R"({"a":1,"b":2,"\u0061":3})").value().member("a")->integer(), 3);
-  EXPECT_EQ(Held(R"({"\u0061":1,"b":2,"a":4})").value().member("a")->integer(), 4);
+TEST(Value, LastOfARepeatedMemberCounts) {
+  EXPECT_EQ(MessageWith(R"({"a":1,"b":2,"\u0061":3})").value().member("a")->integer(), 3);
+  EXPECT_EQ(MessageWith(R"({"\u0061":1,"b":2,"a":4})").value().member("a")->integer(), 4);
 }
 
-TEST(Value, MemberOfAnInnerObjectIsNotTheOuters) {
-  EXPECT_FALSE(Held(R"({"a":{"b":1},"c":[{"b":2}],"d":"b"})").value().member("b"));
+TEST(Value, MembersOfInnerObjectsAreNotFound) {
+  EXPECT_FALSE(MessageWith(R"({"a":{"b":1},"c":[{"b":2}],"d":"b"})").value().member("b"));
 }
 
-TEST(Value, MemberMayBeAnyValue) {
-  const Held held(R"({"a":null,"b":[],"c":{"d":1},"e":"f"})");
-  EXPECT_EQ(held.value().member("a")->kind(), Kind::null);
-  EXPECT_EQ(held.value().member("b")->kind(), Kind::array);
-  EXPECT_EQ(held.value().member("c")->member("d")->integer(), 1);
-  EXPECT_EQ(held.value().member("e")->string(), "f");
+TEST(Value, MemberMayHaveAnyValue) {
+  const MessageWith message(R"({"a":null,"b":[],"c":{"d":1},"e":"f"})");
+  EXPECT_EQ(message.value().member("a")->kind(), Kind::null);
+  EXPECT_EQ(message.value().member("b")->kind(), Kind::array);
+  EXPECT_EQ(message.value().member("c")->member("d")->integer(), 1);
+  EXPECT_EQ(message.value().member("e")->string(), "f");
 }
 
 TEST(Value, OnlyAnObjectHasMembers) {
   for (const char* other : {R"(["a",1])", R"("a")", "1", "true", "false", "null", "{}"}) {
-    EXPECT_FALSE(Held(other).value().member("a")) << other;
+    EXPECT_FALSE(MessageWith(other).value().member("a")) << other;
   }
 }
 
-TEST(Value, IntegerIsAnyThatFits64Bits) {
+TEST(Value, IntegerMayHave64Bits) {
   EXPECT_EQ(integer("0"), 0);
   EXPECT_EQ(integer("-0"), 0);
   EXPECT_EQ(integer("42"), 42);
@@ -100,7 +100,7 @@ TEST(Value, IntegerIsAnyThatFits64Bits) {
   EXPECT_EQ(integer("-9223372036854775808"), INT64_MIN);
 }
 
-TEST(Value, IntegerIsNothingElse) {
+TEST(Value, OtherValuesAreNotIntegers) {
   for (const char* other : {"9223372036854775808", "-9223372036854775809", "100000000000000000000",
                             "1.5", "0.1", R"("1")", "true", "null", "[1]", "{}"}) {
     EXPECT_FALSE(integer(other)) << other;
@@ -132,16 +132,16 @@ TEST(Value, UnpairedSurrogatesAreThreeBytesEach) {
   EXPECT_EQ(string(R"("\ud800\ud83d\ude00")"), "\xED\xA0\x80\xF0\x9F\x98\x80");
 }
 
-TEST(Value, OnlyAStringHasCharacters) {
+TEST(Value, OtherValuesAreNotStrings) {
   for (const char* other : {"1", "true", "null", R"(["a"])", R"({"a":"b"})"}) {
     EXPECT_FALSE(string(other)) << other;
   }
 }
 
-TEST(Value, TokenIsAsItWasWritten) {
-  EXPECT_EQ(Held("-1.50E+02").value().token(), "-1.50E+02");
-  EXPECT_EQ(Held(R"("a\/\u0041")").value().token(), R"(a\/\u0041)");
-  EXPECT_EQ(Held(" true ").value().token(), "true");
+TEST(Value, TokenIsTheTextOfTheValue) {
+  EXPECT_EQ(MessageWith("-1.50E+02").value().token(), "-1.50E+02");
+  EXPECT_EQ(MessageWith(R"("a\/\u0041")").value().token(), R"(a\/\u0041)");
+  EXPECT_EQ(MessageWith(" true ").value().token(), "true");
 }
 
 TEST(EmptyObject, HasNoMembers) {

@@ -39,7 +39,7 @@ TEST(CompactAgainstReference, HasTheLengthOfTheReference) {
   });
 }
 
-TEST(CompactAgainstReference, IsAFixedPoint) {
+TEST(CompactAgainstReference, IsUnchangedWhenWrittenAgain) {
   forEachDocument([](const std::string& document) {
     const std::string once = compact(document).value();
     EXPECT_EQ(compact(once), once);
@@ -60,7 +60,7 @@ TEST(PrettyAgainstReference, HasTheSameValueWhenUnquoted) {
   });
 }
 
-TEST(PrettyAgainstReference, IsAFixedPointWhenUnquoted) {
+TEST(PrettyAgainstReference, IsUnchangedWhenUnquotedAndWrittenAgain) {
   forEachDocument([](const std::string& document) {
     const std::string once = prettyQuoted(document).value();
     EXPECT_EQ(prettyQuoted(nlohmann::json::parse(once).get<std::string>()), once);
@@ -86,7 +86,7 @@ class Listings {
       if (oneIn(8)) text += R"([{"id":1,"path":2}],)";
       if (oneIn(8)) text += R"("id","path",)";
       appendObject(text);
-      text += blank() + ',';
+      text += space() + ',';
     }
     return text + "0]";
   }
@@ -106,7 +106,7 @@ class Listings {
     text += '{';
     for (std::size_t i = 0; i < names_.size(); ++i) {
       if (i > 0) text += ',';
-      text += blank() + '"' + names_[i] + '"' + blank() + ':' + blank() + value();
+      text += space() + '"' + names_[i] + '"' + space() + ':' + space() + value();
     }
     text += '}';
   }
@@ -117,7 +117,7 @@ class Listings {
     return std::string(values.at(below(values.size())));
   }
 
-  std::string blank() { return oneIn(20) ? " " : ""; }
+  std::string space() { return oneIn(20) ? " " : ""; }
   std::size_t below(std::size_t count) { return random_() % count; }
   bool oneIn(std::size_t count) { return below(count) == 0; }
 
@@ -137,7 +137,7 @@ TEST(WriterAgainstReference, ListingsOfSimilarObjectsHaveTheBytesOfTheReference)
 }
 
 // Long strings are copied in chunks.
-TEST(WriterAgainstReference, EscapesMayCrossTheEndOfAnyChunk) {
+TEST(WriterAgainstReference, EscapesMayCrossTheEndOfAChunk) {
   for (const std::string_view unit :
        {R"(\ud83d\ude00)", R"(\ud800)", R"(\u0001)", R"(\")", R"(\\)", R"(\\u0041)", R"(\\/)",
         R"(\/\n\u0041\\)", "/", "\xF0\x9F\x98\x80"}) {

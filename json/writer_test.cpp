@@ -163,7 +163,7 @@ TEST(AppendQuoted, EscapesQuotesSlashesAndControlCharacters) {
   EXPECT_EQ(stringLiteral("\x7F\xC3\xA9\xF0\x9F\x98\x80"), "\"\x7F\xC3\xA9\xF0\x9F\x98\x80\"");
 }
 
-TEST(AppendQuoted, KeepsCharactersWhoseFirstByteIsThatOfSurrogates) {
+TEST(AppendQuoted, KeepsCharactersThatStartWithTheByteOfSurrogates) {
   EXPECT_EQ(stringLiteral("\xED\x80\x80\xED\x9F\xBF!"), "\"\xED\x80\x80\xED\x9F\xBF!\"");
 }
 

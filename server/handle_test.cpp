@@ -13,10 +13,10 @@
 
 namespace {
 
-/// handle() with an application that always gives the same reply.
+/// handle() with an application that always sends the same reply.
 class Handle : public testing::Test {
  protected:
-  /// Every reply to the message, as it is written.
+  /// All replies to the message.
   std::vector<std::string> replies(std::string_view message) {
     const auto document = json::read(message);
     std::vector<std::string> written;
@@ -26,19 +26,19 @@ class Handle : public testing::Test {
                           common::Bytes text;
                           json::appendCompact(text, arguments);
                           calls.push_back(std::string(tool) + std::string(text.view()));
-                          return bridge::callResult(answered(appReply));
+                          return bridge::callResult(outcomeWith(appReply));
                         },
                     .writeReply = [&](std::string_view reply) { written.emplace_back(reply); }});
     return written;
   }
 
-  /// The one reply to the message.
+  /// The only reply to the message.
   std::string reply(std::string_view message) {
     const auto written = replies(message);
     return written.size() == 1 ? written.front() : std::to_string(written.size()) + " replies";
   }
 
-  /// The text of the tool result that the message is answered with.
+  /// The text of the tool result in the reply to the message.
   std::string toolText(std::string_view message) {
     return nlohmann::json::parse(reply(message)).at("result").at("content").at(0).at("text");
   }
@@ -58,12 +58,12 @@ TEST_F(Handle, AnswersInitialize) {
             R"({"jsonrpc":"2.0","id":1,)" + std::string(initialized));
 }
 
-TEST_F(Handle, AnswersInitializeWithoutLookingAtWhatTheClientSays) {
+TEST_F(Handle, IgnoresTheParametersOfInitialize) {
   EXPECT_EQ(reply(R"({"jsonrpc":7,"id":1,"method":"initialize","params":[{"protocolVersion":3}]})"),
             R"({"jsonrpc":"2.0","id":1,)" + std::string(initialized));
 }
 
-TEST_F(Handle, AnswersSupportedMethodsWithoutAnIdUnderNull) {
+TEST_F(Handle, AnswersSupportedMethodsWithoutIdWithIdNull) {
   EXPECT_EQ(reply(R"({"method":"initialize"})"),
             R"({"jsonrpc":"2.0","id":null,)" + std::string(initialized));
   for (const char* method : {"tools/list", "tools/call"}) {
@@ -73,7 +73,7 @@ TEST_F(Handle, AnswersSupportedMethodsWithoutAnIdUnderNull) {
   }
 }
 
-TEST_F(Handle, EchoesAnyIdAsItIs) {
+TEST_F(Handle, RepeatsAnyIdUnchanged) {
   for (const char* id :
        {"1", "-1.50", "1e400", "12345678901234567890123", R"("abc")", R"("")", R"("a\/b\n")",
         "null", "true", "[]", R"([1,{"a":null}])", R"({"b":1,"a":2})"}) {
@@ -82,7 +82,7 @@ TEST_F(Handle, EchoesAnyIdAsItIs) {
   }
 }
 
-TEST_F(Handle, AnswersToolsListWithTheCatalogueAndNothingElse) {
+TEST_F(Handle, AnswersToolsListWithTheCatalogue) {
   EXPECT_EQ(
       reply(R"({"id":"x","method":"tools/list","params":{"cursor":"y"}})"),
       R"({"jsonrpc":"2.0","id":"x","result":{"tools":)" + std::string(toolDefinitions()) + "}}");
@@ -97,7 +97,7 @@ TEST_F(Handle, UnknownMethodIsAnError) {
             "\"message\":\"Unknown method a\\/b\\n\xC3\xA9\\ud800\"}}");
 }
 
-TEST_F(Handle, MethodsAreComparedWholeAndCaseSensitively) {
+TEST_F(Handle, MethodsMustMatchExactly) {
   for (const std::string method :
        {"Initialize", "initialize ", "tools", "tools/List", "tools/lists", "tools/call/x", ""}) {
     const auto answer = nlohmann::json::parse(reply(R"({"id":1,"method":")" + method + R"("})"));
@@ -111,7 +111,7 @@ TEST_F(Handle, EscapedMethodNameIsTheSameMethod) {
   EXPECT_EQ(replies(R"({"id":1,"method":"tools\/list"})").size(), 1U);
 }
 
-TEST_F(Handle, MissingOrMistypedMethodIsAnUnknownOneWithoutAName) {
+TEST_F(Handle, MissingMethodOrOneOfAnotherTypeIsUnknown) {
   for (const char* message :
        {R"({"id":null})", R"({"id":null,"method":1})", R"({"id":null,"method":null})",
         R"({"id":null,"method":["initialize"]})", R"({"id":null,"result":{}})"}) {
@@ -128,13 +128,13 @@ TEST_F(Handle, UnknownMethodWithoutAnIdIsIgnored) {
   }
 }
 
-TEST_F(Handle, PassesNameAndArgumentsOn) {
+TEST_F(Handle, ForwardsNameAndArguments) {
   reply(
       R"({"id":1,"method":"tools/call","params":{"name":"read_file","arguments":{"path":"a/b","n":1.0}}})");
   EXPECT_EQ(calls, Calls{R"(read_file{"path":"a\/b","n":1.0})"});
 }
 
-TEST_F(Handle, MissingOrMistypedParametersOfACallAreEmpty) {
+TEST_F(Handle, MissingParametersOrThoseOfAnotherTypeAreEmpty) {
   for (const char* params :
        {"null", "[]", R"("name")", "{}", R"({"name":1,"arguments":"x"})",
         R"({"name":["a"],"arguments":[{"a":1}]})", R"({"name":null,"arguments":null})",
@@ -148,7 +148,7 @@ TEST_F(Handle, MissingOrMistypedParametersOfACallAreEmpty) {
   EXPECT_EQ(calls, Calls{"{}"});
 }
 
-TEST_F(Handle, CallsToolsOutsideTheCatalogueToo) {
+TEST_F(Handle, ForwardsCallsOfUnknownTools) {
   reply(R"({"id":1,"method":"tools/call","params":{"name":"no/such\ttool"}})");
   EXPECT_EQ(calls, Calls{"no/such\ttool{}"});
 }
@@ -160,21 +160,21 @@ TEST_F(Handle, ResultIsPrettyTextWithSortedNames) {
             R"("{\n  \"a\" : \"x\\\/y\\n\",\n  \"b\" : [\n    1.0\n  ]\n}"}]}})");
 }
 
-TEST_F(Handle, ScalarResultIsAFragment) {
+TEST_F(Handle, ScalarResultIsItsText) {
   for (const char* scalar : {"null", "true", "-1.50", R"("text")"}) {
     appReply = R"({"ok":true,"result":)" + std::string(scalar) + "}";
     EXPECT_EQ(toolText(R"({"id":1,"method":"tools/call"})"), scalar);
   }
 }
 
-TEST_F(Handle, FailureIsATextThatIsMarkedAsAnError) {
+TEST_F(Handle, FailureIsATextMarkedAsAnError) {
   appReply = R"({"ok":false,"error":"No \"drive\" at a\/b.\n"})";
   EXPECT_EQ(reply(R"({"id":1,"method":"tools/call"})"),
             R"({"jsonrpc":"2.0","id":1,"result":{"content":[{"type":"text",)"
             R"("text":"No \"drive\" at a\/b.\n"}],"isError":true}})");
 }
 
-TEST_F(Handle, UnpairedSurrogatesStayInAnIdAndAreReplacedInAMessage) {
+TEST_F(Handle, UnpairedSurrogatesAreKeptInAnIdAndReplacedInAMessage) {
   appReply = R"({"ok":false,"error":"\ud800"})";
   EXPECT_EQ(reply(R"({"id":"\udfff","method":"tools/call"})"),
             R"({"jsonrpc":"2.0","id":"\udfff","result":{"content":[{"type":"text",)"

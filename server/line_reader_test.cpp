@@ -28,7 +28,7 @@ Lines allLines(int descriptor) {
   return lines;
 }
 
-/// The lines when this comes in, piece by piece with a pause between.
+/// The lines of an input that arrives in these pieces.
 Lines lines(const std::vector<std::string>& pieces) {
   Pipe pipe;
   std::thread writer = writeInPieces(pipe, pieces);
@@ -45,11 +45,11 @@ TEST(LineReader, LineFeedsEndLines) {
   EXPECT_EQ(lines({"one\ntwo\nthree\n"}), (Lines{"one", "two", "three"}));
 }
 
-TEST(LineReader, CarriageReturnBeforeALineFeedBelongsToTheEnd) {
+TEST(LineReader, CarriageReturnBeforeALineFeedIsPartOfTheEnd) {
   EXPECT_EQ(lines({"one\r\ntwo\r\n\r\nthree\n"}), (Lines{"one", "two", "", "three"}));
 }
 
-TEST(LineReader, OneCarriageReturnIsTakenAwayAndOthersStay) {
+TEST(LineReader, OtherCarriageReturnsArePartOfTheLine) {
   EXPECT_EQ(lines({"a\rb\n\rc\nd\r\r\n\r\r"}), (Lines{"a\rb", "\rc", "d\r", "\r\r"}));
 }
 
@@ -63,16 +63,16 @@ TEST(LineReader, EmptyLinesAreLines) {
   EXPECT_EQ(lines({"\n\na\n\n"}), (Lines{"", "", "a", ""}));
 }
 
-TEST(LineReader, AnyOtherByteBelongsToTheLine) {
+TEST(LineReader, AnyOtherByteIsPartOfTheLine) {
   const std::string bytes("\0 \t\v\f\xFF\xC3\x85\xE2\x80\xA8\x1A\x04", 13);
   EXPECT_EQ(lines({bytes + "\n" + bytes}), (Lines{bytes, bytes}));
 }
 
-TEST(LineReader, LinesMayComeInPieces) {
+TEST(LineReader, LinesMayArriveInPieces) {
   EXPECT_EQ(lines({"o", "ne\nt", "wo", "\r", "\n", "thr", "ee"}), (Lines{"one", "two", "three"}));
 }
 
-TEST(LineReader, LineIsThereAsSoonAsItHasEnded) {
+TEST(LineReader, LineIsReturnedBeforeTheNextIsComplete) {
   const Pipe pipe;
   server::LineReader reader(pipe.readEnd());
   pipe.write("one\ntw");
@@ -81,24 +81,24 @@ TEST(LineReader, LineIsThereAsSoonAsItHasEnded) {
   EXPECT_EQ(reader.next(ignore), "two");
 }
 
-TEST(LineReader, ShowsTheBeginningOfALineThatIsStillComingIn) {
+TEST(LineReader, PassesOnTheBeginningOfAnIncompleteLine) {
   Pipe pipe;
   server::LineReader reader(pipe.readEnd());
-  const Lines comesIn{"two", "three\r", "\r", "\n", "end\r"};
-  Lines shown;
-  const auto show = [&](std::string_view beginning) {
-    shown.emplace_back(beginning);
-    pipe.write(comesIn.at(shown.size() - 1));
-    if (shown.size() == comesIn.size()) pipe.closeWriteEnd();
+  const Lines pieces{"two", "three\r", "\r", "\n", "end\r"};
+  Lines beginnings;
+  const auto partial = [&](std::string_view beginning) {
+    beginnings.emplace_back(beginning);
+    pipe.write(pieces.at(beginnings.size() - 1));
+    if (beginnings.size() == pieces.size()) pipe.closeWriteEnd();
   };
   pipe.write("zero\none");
-  EXPECT_EQ(reader.next(show), "zero");
-  EXPECT_EQ(shown, Lines{});
-  EXPECT_EQ(reader.next(show), "onetwothree\r");
-  EXPECT_EQ(shown, (Lines{"one", "onetwo", "onetwothree", "onetwothree\r"}));
+  EXPECT_EQ(reader.next(partial), "zero");
+  EXPECT_EQ(beginnings, Lines{});
+  EXPECT_EQ(reader.next(partial), "onetwothree\r");
+  EXPECT_EQ(beginnings, (Lines{"one", "onetwo", "onetwothree", "onetwothree\r"}));
 }
 
-TEST(LineReader, ShowsWithALongLineOnlyWhatItBeginsWith) {
+TEST(LineReader, PassesOnOnlyBeginningsOfALongLine) {
   const std::string line = "x\r\r" + std::string(1'000'000, '\r') + "y\r\r";
   Pipe pipe;
   std::thread writer([&] { pipe.write(line + "\r\n"); });
@@ -114,7 +114,7 @@ TEST(LineReader, ShowsWithALongLineOnlyWhatItBeginsWith) {
   writer.join();
 }
 
-TEST(LineReader, LinesMayBeAnyLength) {
+TEST(LineReader, LinesMayHaveAnyLength) {
   Lines expected;
   std::string input;
   for (const std::size_t length :
@@ -125,7 +125,7 @@ TEST(LineReader, LinesMayBeAnyLength) {
   EXPECT_TRUE(lines({input}) == expected);
 }
 
-TEST(LineReader, ManyShortLinesComeWhole) {
+TEST(LineReader, ManyShortLinesAreReturned) {
   Lines expected;
   std::string input;
   for (int i = 0; i < 100000; ++i) {
@@ -135,7 +135,7 @@ TEST(LineReader, ManyShortLinesComeWhole) {
   EXPECT_TRUE(lines({input}) == expected);
 }
 
-TEST(LineReader, WaitsOnADescriptorThatRefusesToBlock) {
+TEST(LineReader, WaitsForANonBlockingDescriptor) {
   Pipe pipe;
   fcntl(pipe.readEnd(), F_SETFL, fcntl(pipe.readEnd(), F_GETFL) | O_NONBLOCK);
   std::thread writer([&] {
@@ -168,7 +168,7 @@ TEST(LineReader, SignalDoesNotEndTheInput) {
   sigaction(SIGUSR1, &before, nullptr);
 }
 
-TEST(LineReader, DescriptorThatCannotBeReadIsTheEnd) {
+TEST(LineReader, DescriptorThatCannotBeReadIsTheEndOfInput) {
   EXPECT_EQ(allLines(-1), Lines{});
   const int folder = open("/", O_RDONLY);
   EXPECT_EQ(allLines(folder), Lines{});

@@ -6,48 +6,19 @@
 #include <array>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <ctime>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "server/server.h"
 #include "tests/unit/pipe.h"
+#include "tests/unit/standard_output.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 
-/// Makes a descriptor this process's standard output for a while.
-class StandardOutput {
- public:
-  explicit StandardOutput(int descriptor) : before_(dup(STDOUT_FILENO)) {
-    std::fflush(stdout);
-    dup2(descriptor, STDOUT_FILENO);
-  }
-  StandardOutput(const StandardOutput&) = delete;
-  StandardOutput& operator=(const StandardOutput&) = delete;
-  ~StandardOutput() {
-    dup2(before_, STDOUT_FILENO);
-    close(before_);
-  }
-
- private:
-  int before_;
-};
-
-std::string readToTheEnd(int descriptor) {
-  std::string all;
-  std::vector<char> piece(65536);
-  while (true) {
-    const ssize_t count = read(descriptor, piece.data(), piece.size());
-    if (count <= 0) return all;
-    all.append(piece.data(), static_cast<std::size_t>(count));
-  }
-}
-
-/// What comes out of the pipe when the reply is written to it.
+/// Writes the reply to the pipe and returns what a reader gets who sleeps first.
 std::string written(Pipe& pipe, const std::string& reply, std::chrono::milliseconds readerSleeps) {
   std::string all;
   std::thread reader([&] {
@@ -63,13 +34,17 @@ std::string written(Pipe& pipe, const std::string& reply, std::chrono::milliseco
   return all;
 }
 
+void makeNonBlocking(int descriptor) {
+  fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) | O_NONBLOCK);
+}
+
 TEST(WriteReply, EndsTheReplyWithALineFeed) {
   Pipe pipe;
   EXPECT_EQ(written(pipe, R"({"a":1})", 0ms), "{\"a\":1}\n");
 }
 
-// Each write to such a socket is a message of its own.
-TEST(WriteReply, WritesTheTextInOneAndTheLineFeedInAnother) {
+// Each write to a datagram socket is a message.
+TEST(WriteReply, WritesTheTextAndTheLineFeedSeparately) {
   std::array<int, 2> ends{};
   ASSERT_EQ(socketpair(AF_UNIX, SOCK_DGRAM, 0, ends.data()), 0);
   {
@@ -92,22 +67,22 @@ TEST(WriteReply, WritesMoreThanAPipeHolds) {
   EXPECT_TRUE(written(pipe, reply, 50ms) == reply + '\n');
 }
 
-TEST(WriteReply, WaitsForAPipeThatRefusesToBlock) {
+TEST(WriteReply, WaitsForANonBlockingPipe) {
   Pipe pipe;
-  fcntl(pipe.writeEnd(), F_SETFL, fcntl(pipe.writeEnd(), F_GETFL) | O_NONBLOCK);
+  makeNonBlocking(pipe.writeEnd());
   const std::string reply(5'000'000, 'x');
   EXPECT_TRUE(written(pipe, reply, 100ms) == reply + '\n');
 }
 
-TEST(WriteReply, WaitingTakesNoTimeOfTheProcessor) {
+TEST(WriteReply, WaitingUsesNoProcessorTime) {
   Pipe pipe;
-  fcntl(pipe.writeEnd(), F_SETFL, fcntl(pipe.writeEnd(), F_GETFL) | O_NONBLOCK);
+  makeNonBlocking(pipe.writeEnd());
   const std::clock_t before = std::clock();
-  written(pipe, std::string(100'000, 'x'), 500ms);
-  EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 5);
+  written(pipe, std::string(100'000, 'x'), 2s);
+  EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC);
 }
 
-TEST(WriteReply, SignalDoesNotCutTheReplyShort) {
+TEST(WriteReply, ContinuesAfterASignal) {
   struct sigaction interrupting{};
   interrupting.sa_handler = [](int) {};
   struct sigaction before{};
@@ -125,7 +100,7 @@ TEST(WriteReply, SignalDoesNotCutTheReplyShort) {
   sigaction(SIGUSR1, &before, nullptr);
 }
 
-TEST(WriteReply, GivesUpWhenTheOtherEndIsGone) {
+TEST(WriteReply, ReturnsWhenTheOtherEndIsClosed) {
   const auto before = std::signal(SIGPIPE, SIG_IGN);
   Pipe pipe;
   pipe.closeReadEnd();

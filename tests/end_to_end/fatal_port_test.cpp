@@ -4,10 +4,10 @@
 
 namespace {
 
-// A port outside 0 to 65535 ends the process, without a word, before anything is connected.
+// A port outside 0 to 65535 ends the process silently, before it connects to anything.
 class FatalPort : public LaunchConversation {
  protected:
-  void endsTheProcess() {
+  void expectAbort() {
     const ExitStatus status = server->waitForExit();
     EXPECT_EQ(status.signal, SIGABRT);
     EXPECT_EQ(status.code, std::nullopt);
@@ -15,40 +15,40 @@ class FatalPort : public LaunchConversation {
     EXPECT_EQ(app.connectionCount(), 0U);
   }
 
-  void isFatal(std::string_view port) {
+  void expectFatal(std::string_view port) {
     endpointFile.write(R"({"version":1,"token":"T","port":)" + std::string(port) + "}");
-    say(request("ping"));
-    EXPECT_EQ(hear().at("id"), 1) << "the file alone harms nothing";
-    say(toolCall(R"({"name":"x"})"));
-    endsTheProcess();
+    sendLine(request("ping"));
+    EXPECT_EQ(receive().at("id"), 1) << "the file is not read without a tool call";
+    sendLine(toolCall(R"({"name":"x"})"));
+    expectAbort();
     EXPECT_EQ(launches.count(), 0U);
   }
 };
 
-TEST_F(FatalPort, OneBeyondTheLast) {
-  isFatal("65536");
+TEST_F(FatalPort, OneAboveTheLast) {
+  expectFatal("65536");
 }
-TEST_F(FatalPort, Negative) {
-  isFatal("-1");
+TEST_F(FatalPort, MinusOne) {
+  expectFatal("-1");
 }
 TEST_F(FatalPort, SeventyThousand) {
-  isFatal("70000");
+  expectFatal("70000");
 }
 TEST_F(FatalPort, LargestInteger) {
-  isFatal("9223372036854775807");
+  expectFatal("9223372036854775807");
 }
 TEST_F(FatalPort, SmallestInteger) {
-  isFatal("-9223372036854775808");
+  expectFatal("-9223372036854775808");
 }
 
-TEST_F(FatalPort, ThatWouldBeTheApplicationsIfCutTo16Bits) {
-  isFatal(std::to_string(app.port() + 65536));
+TEST_F(FatalPort, ThatIsTheApplicationsPortInItsLow16Bits) {
+  expectFatal(std::to_string(app.port() + 65536));
 }
 
-TEST_F(FatalPort, PublishedAfterTheLaunch) {
+TEST_F(FatalPort, PublishedByTheLaunchedApplication) {
   launches.script({.publish = EndpointFile::text(70000)});
-  say(toolCall(R"({"name":"x"})"));
-  endsTheProcess();
+  sendLine(toolCall(R"({"name":"x"})"));
+  expectAbort();
   EXPECT_EQ(launches.count(), 1U);
 }
 

@@ -5,7 +5,7 @@ namespace {
 using nlohmann::json;
 using namespace std::chrono_literals;
 
-// Some other program listens on the port of an endpoint file that was left behind.
+// Another program listens on the port of an old endpoint file.
 class ForeignListener : public LaunchConversation {
  protected:
   void SetUp() override {
@@ -14,45 +14,45 @@ class ForeignListener : public LaunchConversation {
     launches.script({.publish = EndpointFile::text(app.port(), "fresh")});
   }
 
-  // A program that always says this is taken for the application, and understood by nobody.
-  void isUnreadable(const ScriptedApp::Script& script) {
-    foreign.otherwise(script);
-    EXPECT_EQ(callTool("x"), failure(unreadableReply));
+  // The server takes the program for the application, because it answers the probe.
+  void expectUnreadable(const ScriptedApp::Script& script) {
+    foreign.setDefault(script);
+    EXPECT_EQ(callTool("x"), errorResult(unreadableReply));
     EXPECT_EQ(foreign.connectionCount(), 2U);
     EXPECT_EQ(launches.count(), 0U);
     endpointFile.publish(app.port());
-    EXPECT_EQ(callTool("x").size(), 1U) << "it harms no later call";
+    EXPECT_EQ(callTool("x").size(), 1U) << "the next call is not affected";
   }
 
   ScriptedApp foreign;
 };
 
-TEST_F(ForeignListener, ThatTalksGarbageIsUnreadable) {
-  isUnreadable(reply(std::string("\x00\xFF{[\"\n", 6)));
+TEST_F(ForeignListener, ThatSendsGarbageIsUnreadable) {
+  expectUnreadable(reply(std::string("\x00\xFF{[\"\n", 6)));
 }
 
 TEST_F(ForeignListener, ThatIsAWebServerIsUnreadable) {
-  isUnreadable([](AppConnection& connection) {
+  expectUnreadable([](AppConnection& connection) {
     connection.readRequest();
     connection.write(
         "HTTP/1.1 400 Bad Request\r\nContent-Type: application/json\r\nContent-Length: 11\r\n"
         "Connection: close\r\n\r\n{\"ok\":true}");
-    connection.hangUp();
+    connection.close();
   });
 }
 
-TEST_F(ForeignListener, ThatGreetsFirstIsUnreadable) {
-  isUnreadable([](AppConnection& connection) {
+TEST_F(ForeignListener, ThatSendsAGreetingIsUnreadable) {
+  expectUnreadable([](AppConnection& connection) {
     connection.write("220 mail.example ready\r\n");
     connection.readRequest();
   });
 }
 
-TEST_F(ForeignListener, ThatSaysNothingIsPassedOverForTheLaunchedApplication) {
-  foreign.otherwise(silence());
+TEST_F(ForeignListener, ThatIsSilentIsReplacedByTheLaunchedApplication) {
+  foreign.setDefault(silence());
   const auto start = Clock::now();
   EXPECT_EQ(callTool("x").size(), 1U);
-  EXPECT_GE(Seconds(Clock::now() - start), Seconds(3));
+  EXPECT_GE(Clock::now() - start, probeLimit);
   EXPECT_EQ(launches.count(), 1U);
   EXPECT_EQ(json::parse(app.record(1).received).at("token"), "fresh");
   for (std::size_t i = 0; i < foreign.connectionCount(); ++i) {
@@ -60,8 +60,8 @@ TEST_F(ForeignListener, ThatSaysNothingIsPassedOverForTheLaunchedApplication) {
   }
 }
 
-TEST_F(ForeignListener, ThatHangsUpIsPassedOverForTheLaunchedApplication) {
-  foreign.otherwise(hangUp());
+TEST_F(ForeignListener, ThatClosesIsReplacedByTheLaunchedApplication) {
+  foreign.setDefault(closeUnread());
   EXPECT_EQ(callTool("x").size(), 1U);
   EXPECT_EQ(launches.count(), 1U);
   EXPECT_EQ(json::parse(app.record(1).received).at("token"), "fresh");

@@ -23,74 +23,75 @@ namespace fs = std::filesystem;
   ASSERT_EQ(::prlimit(process, resource, &limit, nullptr), 0);
 }
 
-// Checking an object's type, that sanitizer opens a pipe, and takes it for a fault if it can't.
+// UndefinedBehaviorSanitizer opens a pipe to check the type of an object and reports an error if it
+// cannot.
 #if !UNDER_UNDEFINED_BEHAVIOR_SANITIZER
 
-// A server that may have no more descriptors, at one step of a call or another.
+// A server that may open few descriptors, or none.
 class FewDescriptors : public UnlaunchableConversation {
  protected:
-  // It is running, and no longer being loaded.
+  // Returns when the server has been loaded.
   void SetUp() override {
     UnlaunchableConversation::SetUp();
     if (server) {
-      EXPECT_TRUE(staysSilent());
+      EXPECT_TRUE(hasNoFurtherReply());
     }
   }
 
-  std::size_t openNow() const {
+  std::size_t openDescriptors() const {
     const fs::directory_iterator all("/proc/" + std::to_string(server->pid()) + "/fd");
     return static_cast<std::size_t>(std::distance(begin(all), end(all)));
   }
 
-  void mayHave(std::size_t descriptors) { setSoftLimit(server->pid(), RLIMIT_NOFILE, descriptors); }
+  void allow(std::size_t descriptors) { setSoftLimit(server->pid(), RLIMIT_NOFILE, descriptors); }
 
-  // Whatever has failed, the next call is fine once there are descriptors again.
-  void isFineAgain() {
-    mayHave(100);
+  // The next call succeeds when there are descriptors again.
+  void expectNextCallSucceeds() {
+    allow(100);
     EXPECT_EQ(callTool("again").size(), 1U);
-    EXPECT_TRUE(staysSilent());
+    EXPECT_TRUE(hasNoFurtherReply());
   }
 };
 
-TEST_F(FewDescriptors, NoneForTheEndpointFileIsNoEndpoint) {
-  mayHave(openNow());
-  EXPECT_EQ(callTool("x"), failure(couldNotBeStarted));
+TEST_F(FewDescriptors, NoneForTheEndpointFileMakesTheCallFail) {
+  allow(openDescriptors());
+  EXPECT_EQ(callTool("x"), errorResult(couldNotBeStarted));
   EXPECT_EQ(app.connectionCount(), 0U);
-  isFineAgain();
+  expectNextCallSucceeds();
 }
 
 TEST_F(FewDescriptors, OneIsEnoughForEveryCall) {
-  const std::size_t before = openNow();
+  const std::size_t before = openDescriptors();
   for (int call = 0; call < 3; ++call) {
-    mayHave(before);
-    EXPECT_EQ(callTool("x"), failure(couldNotBeStarted)) << call;
-    mayHave(before + 1);
+    allow(before);
+    EXPECT_EQ(callTool("x"), errorResult(couldNotBeStarted)) << call;
+    allow(before + 1);
     EXPECT_EQ(callTool("x").size(), 1U) << call;
-    EXPECT_EQ(openNow(), before) << call;
+    EXPECT_EQ(openDescriptors(), before) << call;
   }
-  isFineAgain();
+  expectNextCallSucceeds();
 }
 
 #endif
 
-// Sanitizers reserve terabytes of address space, to begin with.
+// These sanitizers reserve terabytes of address space.
 #if !UNDER_ADDRESS_SANITIZER && !UNDER_THREAD_SANITIZER
 
-// Memory that cannot be had ends the process, silently, and with nothing half said.
+// Running out of memory ends the process silently, without a part of a reply.
 class LittleMemory : public Conversation {
  protected:
   static constexpr std::size_t mebibyte = 1 << 20;
 
-  // It is running, and no longer being loaded.
+  // Returns when the server has been loaded.
   void SetUp() override {
     Conversation::SetUp();
     if (server) {
-      EXPECT_TRUE(staysSilent());
+      EXPECT_TRUE(hasNoFurtherReply());
     }
   }
 
-  // Bytes of address space beside those that are in use now.
-  void mayHave(std::size_t more) {
+  // Allows that much address space in addition to what is in use.
+  void allow(std::size_t more) {
     std::ifstream file("/proc/" + std::to_string(server->pid()) + "/statm");
     std::size_t pages = 0;
     file >> pages;
@@ -98,7 +99,23 @@ class LittleMemory : public Conversation {
                  pages * static_cast<std::size_t>(::getpagesize()) + more);
   }
 
-  void endsWithNoMoreThan(std::string_view output) {
+  // Makes the call again if the application was late with a part of its reply.
+  void expectAbortOfCall(const std::string& appReply) {
+    std::optional<std::string> line;
+    bool wasLate = false;
+    do {
+      app.script({succeed(), reply(appReply)});
+      const std::size_t call = app.connectionCount() + 1;
+      sendLine(toolCall(R"({"name":"x"})"));
+      line = server->readLine();
+      app.waitUntilClosedByServer(call);
+      wasLate = app.record(call).longestGap >= ReplyWriter::lateGap;
+    } while (line && wasLate);
+    EXPECT_EQ(line, std::nullopt);
+    expectAbortAfter("");
+  }
+
+  void expectAbortAfter(std::string_view output) {
     const ExitStatus status = server->waitForExit();
     EXPECT_EQ(status.signal, SIGABRT);
     EXPECT_EQ(server->unreadOutput(), output);
@@ -106,44 +123,39 @@ class LittleMemory : public Conversation {
 };
 
 TEST_F(LittleMemory, LineThatDoesNotFitEndsTheProcess) {
-  say(request("ping", "1"));
-  const std::string earlier = hearLine();
-  say(request("ping", "1"));
-  mayHave(32 * mebibyte);
+  sendLine(request("ping", "1"));
+  const std::string earlier = receiveLine();
+  sendLine(request("ping", "1"));
+  allow(32 * mebibyte);
   try {
     server->send(R"({"id":2,"method":")" + std::string(200 * mebibyte, 'x') + "\"}\n");
   } catch (const std::system_error& brokenPipe) {
     EXPECT_EQ(brokenPipe.code(), std::errc::broken_pipe);
   }
-  endsWithNoMoreThan(earlier + "\n");
+  expectAbortAfter(earlier + "\n");
 }
 
 TEST_F(LittleMemory, ReplyOfTheApplicationThatDoesNotFitEndsTheProcess) {
   EXPECT_EQ(callTool("x").size(), 1U);
-  app.script({answer(), succeed("[\"" + std::string(4'000'000, 'q') + "\"]")});
-  mayHave(mebibyte);
-  say(toolCall(R"({"name":"x"})"));
-  endsWithNoMoreThan("");
+  allow(mebibyte);
+  expectAbortOfCall(R"({"ok":true,"result":[")" + std::string(4'000'000, 'q') + R"("]})");
 }
 
 TEST_F(LittleMemory, ResultThatDoesNotFitIntoAReplyEndsTheProcess) {
   EXPECT_EQ(callTool("x").size(), 1U);
-  // Every level that lies deeper is written with two blanks more: 4 MB become over 100 MB.
+  // Each level is indented by two spaces, so that 400 KB become more than 100 MB.
   std::string deep(400, '[');
   for (int i = 0; i < 200'000; ++i) deep += "0,";
   deep += "0" + std::string(400, ']');
-  app.script({answer(), succeed(deep)});
-  mayHave(48 * mebibyte);
-  say(toolCall(R"({"name":"x"})"));
-  endsWithNoMoreThan("");
+  allow(48 * mebibyte);
+  expectAbortOfCall(R"({"ok":true,"result":)" + deep + "}");
 }
 
-TEST_F(LittleMemory, WhatFitsIsAnswered) {
-  mayHave(48 * mebibyte);
-  app.script({answer(), succeed("[\"" + std::string(1'000'000, 'q') + "\"]")});
-  EXPECT_EQ(callTool("x").size(), 1U);
-  EXPECT_TRUE(staysSilent());
-  sayGoodbye();
+TEST_F(LittleMemory, ReplyThatFitsIsWritten) {
+  allow(48 * mebibyte);
+  EXPECT_EQ(callWithScript(succeed("[\"" + std::string(1'000'000, 'q') + "\"]")).size(), 1U);
+  EXPECT_TRUE(hasNoFurtherReply());
+  expectCleanExit();
 }
 
 #endif

@@ -12,13 +12,13 @@ namespace {
 using nlohmann::json;
 namespace fs = std::filesystem;
 
-// What the server shows of itself to the rest of the machine, while a call is held.
+// What other processes can see of the server while it waits for a reply.
 class Secrecy : public Conversation {
  protected:
   void SetUp() override {
     Conversation::SetUp();
-    app.script({answer(), replyWhenReleased(R"({"ok":true})")});
-    say(toolCall(R"({"name":"x"})"));
+    app.script({succeed(), replyWhenReleased(R"({"ok":true})")});
+    sendLine(toolCall(R"({"name":"x"})"));
     ASSERT_TRUE(app.waitUntilReceived(1, 1));
   }
 
@@ -31,8 +31,8 @@ class Secrecy : public Conversation {
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
-  // The numbers by which the system knows the sockets that the server has open.
-  std::vector<std::string> ownSockets() const {
+  // The inodes of the sockets that the server has open.
+  std::vector<std::string> openSockets() const {
     std::vector<std::string> found;
     for (const auto& entry : fs::directory_iterator(ofProcess("fd"))) {
       const std::string target = fs::read_symlink(entry.path()).string();
@@ -54,10 +54,10 @@ class Secrecy : public Conversation {
   }
 };
 
-TEST_F(Secrecy, TheOnlySocketIsConnectedOverTheLoopbackAddress) {
+TEST_F(Secrecy, OnlySocketIsConnectedToTheLoopbackAddress) {
   constexpr std::string_view loopback = "0100007F:";
-  const std::vector<std::string> sockets = ownSockets();
-  ASSERT_EQ(sockets.size(), 1U) << "the call's; the probe's is closed, and nothing listens";
+  const std::vector<std::string> sockets = openSockets();
+  ASSERT_EQ(sockets.size(), 1U) << "the probe's is closed, and none listens";
   const auto [local, remote] = addressesOf(sockets[0]);
   EXPECT_TRUE(local.starts_with(loopback)) << local;
   ASSERT_TRUE(remote.starts_with(loopback)) << remote;
@@ -65,12 +65,12 @@ TEST_F(Secrecy, TheOnlySocketIsConnectedOverTheLoopbackAddress) {
 }
 
 TEST_F(Secrecy, TokenIsInNeitherArgumentsNorEnvironment) {
-  ASSERT_TRUE(has(app.record(1).received, usualToken));
+  ASSERT_TRUE(contains(app.record(1).received, usualToken));
   const std::string arguments = contentOf("cmdline");
   const std::string environment = contentOf("environ");
   ASSERT_FALSE(arguments.empty() || environment.empty());
-  EXPECT_FALSE(has(arguments, usualToken));
-  EXPECT_FALSE(has(environment, usualToken));
+  EXPECT_FALSE(contains(arguments, usualToken));
+  EXPECT_FALSE(contains(environment, usualToken));
 }
 
 TEST_F(Secrecy, NoFileIsOpenDuringACall) {
@@ -81,23 +81,22 @@ TEST_F(Secrecy, NoFileIsOpenDuringACall) {
   }
 }
 
-// An application that answers otherwise each time, and echoes nothing.
-TEST_F(Secrecy, TokenIsInNoMessageOfAnyFailure) {
+TEST_F(Secrecy, TokenIsInNoErrorMessage) {
   app.release();
-  std::string heard = hearLine();
+  std::string replies = receiveLine();
   const std::vector<std::vector<ScriptedApp::Script>> failures{
-      {answer(), readAndHangUp()},
-      {answer(), reset()},
-      {answer(), reply("garbage")},
-      {answer(), reply("{}")},
-      {answer(), refuse("The token is wrong.")},
+      {succeed(), readAndClose()},
+      {succeed(), resetUnread()},
+      {succeed(), reply("garbage")},
+      {succeed(), reply("{}")},
+      {succeed(), refuse("The token is wrong.")},
   };
   for (const auto& scripts : failures) {
     app.script(scripts);
-    say(toolCall(R"({"name":"x"})"));
-    heard += hearLine();
+    sendLine(toolCall(R"({"name":"x"})"));
+    replies += receiveLine();
   }
-  EXPECT_FALSE(has(heard, usualToken));
+  EXPECT_FALSE(contains(replies, usualToken));
 }
 
 }  // namespace

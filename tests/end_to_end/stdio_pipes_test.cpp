@@ -10,28 +10,27 @@ using namespace std::chrono_literals;
 
 class StdioPipes : public Conversation {};
 
-TEST_F(StdioPipes, LineInManyPiecesIsOneLine) {
+TEST_F(StdioPipes, LineMayArriveInManyPieces) {
   for (const char letter : request("ping", "3") + "\n") {
     server->send(std::string(1, letter));
     std::this_thread::sleep_for(1ms);
   }
-  EXPECT_EQ(hear().at("id"), 3);
+  EXPECT_EQ(receive().at("id"), 3);
 }
 
-TEST_F(StdioPipes, LineOfTwentyMegabytesArrivesWhole) {
-  std::string content;
-  content.resize(20'000'000);
+TEST_F(StdioPipes, LineMayHaveTwentyMegabytes) {
+  std::string content(20'000'000, ' ');
   for (std::size_t i = 0; i < content.size(); ++i) content[i] = static_cast<char>('a' + i % 26);
   const json arguments = {{"path", "big.txt"}, {"content", content}};
-  EXPECT_EQ(callTool("write_file", arguments, 60s).size(), 1U);
+  EXPECT_EQ(callTool("write_file", arguments).size(), 1U);
   const json received = json::parse(app.record(1).received);
   EXPECT_TRUE(received.at("arguments") == arguments);
 }
 
 TEST_F(StdioPipes, StoppedAndContinuedProcessLosesNothing) {
-  app.script({answer(), replyWhenReleased(R"({"ok":true,"result":[1]})")});
+  app.script({succeed(), replyWhenReleased(R"({"ok":true,"result":[1]})")});
   ::kill(server->pid(), SIGSTOP);
-  say(toolCall(R"({"name":"read_file"})", "4"));
+  sendLine(toolCall(R"({"name":"read_file"})", "4"));
   ::kill(server->pid(), SIGCONT);
   ASSERT_TRUE(app.waitForConnections(2));
   for (int round = 0; round < 5; ++round) {
@@ -41,15 +40,15 @@ TEST_F(StdioPipes, StoppedAndContinuedProcessLosesNothing) {
     std::this_thread::sleep_for(20ms);
   }
   app.release();
-  EXPECT_EQ(hear().at("id"), 4);
+  EXPECT_EQ(receive().at("id"), 4);
   for (int round = 0; round < 5; ++round) {
     ::kill(server->pid(), SIGSTOP);
     ::kill(server->pid(), SIGCONT);
     std::this_thread::sleep_for(20ms);
   }
-  say(request("ping", "5"));
-  EXPECT_EQ(hear().at("id"), 5);
-  sayGoodbye();
+  sendLine(request("ping", "5"));
+  EXPECT_EQ(receive().at("id"), 5);
+  expectCleanExit();
 }
 
 class CommandLine : public Conversation {
@@ -58,8 +57,8 @@ class CommandLine : public Conversation {
 };
 
 TEST_F(CommandLine, ArgumentsChangeNothing) {
-  EXPECT_TRUE(staysSilent());
-  sayGoodbye();
+  EXPECT_TRUE(hasNoFurtherReply());
+  expectCleanExit();
 }
 
 class DatagramOutput : public Conversation {
@@ -68,7 +67,7 @@ class DatagramOutput : public Conversation {
 };
 
 TEST_F(DatagramOutput, TextAndLineFeedAreSeparateWrites) {
-  say(request("initialize"));
+  sendLine(request("initialize"));
   EXPECT_EQ(json::parse(server->readWrite()).at("id"), 1);
   EXPECT_EQ(server->readWrite(), "\n");
 }
@@ -78,10 +77,9 @@ class NonBlockingPipes : public Conversation {
   NonBlockingPipes() { setup.nonBlockingPipes = true; }
 };
 
-TEST_F(NonBlockingPipes, SlowReaderGetsAFourMegabyteReplyWhole) {
-  const std::string content(4'000'000, 'q');
-  app.script({answer(), succeed("[\"" + content + "\"]")});
-  say(toolCall(R"({"name":"read_file"})"));
+TEST_F(NonBlockingPipes, SlowReaderGetsABigReplyWhole) {
+  const std::string method(4'000'000, 'q');
+  sendLine(request(method));
   std::string line;
   while (!line.ends_with('\n')) {
     const std::string some = server->readSome(20'000);
@@ -89,24 +87,23 @@ TEST_F(NonBlockingPipes, SlowReaderGetsAFourMegabyteReplyWhole) {
     line += some;
     std::this_thread::sleep_for(1ms);
   }
-  const std::string text = json::parse(line).at("result").at("content").at(0).at("text");
-  EXPECT_TRUE(json::parse(text) == json({content}));
-  sayGoodbye();
+  EXPECT_TRUE(json::parse(line).at("error").at("message") == "Unknown method " + method);
+  expectCleanExit();
 }
 
-TEST_F(NonBlockingPipes, InputThatPausesIsWaitedFor) {
+TEST_F(NonBlockingPipes, WaitForInput) {
   const std::string line = request("ping", "1") + "\n";
   std::this_thread::sleep_for(500ms);
   server->send(line.substr(0, 10));
   std::this_thread::sleep_for(500ms);
   server->send(line.substr(10));
-  EXPECT_EQ(hear().at("id"), 1);
-  sayGoodbye();
+  EXPECT_EQ(receive().at("id"), 1);
+  expectCleanExit();
 }
 
-TEST_F(NonBlockingPipes, WaitingForInputCostsNoProcessorTime) {
-  say(request("ping"));
-  hear();
+TEST_F(NonBlockingPipes, WaitingForInputUsesNoProcessorTime) {
+  sendLine(request("ping"));
+  receive();
   std::this_thread::sleep_for(5s);
   server->closeInput();
   EXPECT_LT(server->waitForExit().processorTime, Seconds(0.5));

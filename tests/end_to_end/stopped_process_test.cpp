@@ -9,7 +9,7 @@ namespace {
 using nlohmann::json;
 using namespace std::chrono_literals;
 
-// Stops a process and continues it, again and again, whatever it is about.
+// Stops and continues a process again and again.
 class StopsAndContinues {
  public:
   explicit StopsAndContinues(pid_t process)
@@ -33,7 +33,7 @@ class StopsAndContinues {
   std::thread thread_;
 };
 
-// Over pipes that block and pipes that do not.
+// With blocking and with non-blocking pipes.
 class StoppedProcess : public Conversation, public testing::WithParamInterface<bool> {
  protected:
   StoppedProcess() { setup.nonBlockingPipes = GetParam(); }
@@ -45,30 +45,29 @@ class StoppedProcess : public Conversation, public testing::WithParamInterface<b
   }
 };
 
-TEST_P(StoppedProcess, LosesNothingOfALongLineOrItsForwarding) {
+TEST_P(StoppedProcess, ReceivesAndForwardsALongLineWhole) {
   const json arguments = {{"content", content()}};
   {
     const StopsAndContinues stops(server->pid());
-    EXPECT_EQ(callTool("write_file", arguments, 60s).size(), 1U);
+    EXPECT_EQ(callTool("write_file", arguments).size(), 1U);
   }
   EXPECT_TRUE(json::parse(app.record(1).received).at("arguments") == arguments);
-  sayGoodbye();
+  expectCleanExit();
 }
 
-TEST_P(StoppedProcess, LosesNothingOfABigReply) {
-  app.script({answer(), succeed("[\"" + content() + "\"]")});
+TEST_P(StoppedProcess, ReceivesAndWritesABigReplyWhole) {
   json result;
   {
     const StopsAndContinues stops(server->pid());
-    result = callTool("read_file", json::object(), 60s);
+    result = callWithScript(succeed("[\"" + content() + "\"]"));
   }
   const std::string text = result.at("content").at(0).at("text");
   EXPECT_TRUE(text == "[\n  \"" + content() + "\"\n]");
-  sayGoodbye();
+  expectCleanExit();
 }
 
 INSTANTIATE_TEST_SUITE_P(Pipes, StoppedProcess, testing::Bool(), [](const auto& parameter) {
-  return parameter.param ? "ThatDoNotBlock" : "ThatBlock";
+  return parameter.param ? "NonBlocking" : "Blocking";
 });
 
 }  // namespace

@@ -1,6 +1,6 @@
-// Drives the built server with a great many requests against an application that misbehaves on
-// a fixed schedule, and checks that each is answered once, rightly and in its turn, and that
-// the server holds no more of the machine at the end than after it had warmed up.
+// Sends the built server very many requests, with an application that misbehaves on a fixed
+// schedule. Each request must be answered once, correctly and in order, and the server must not use
+// more memory, descriptors or threads at the end than after a warm-up.
 //
 //   quillmark_soak REQUESTS
 
@@ -29,43 +29,43 @@ using nlohmann::json;
 using Clock = std::chrono::steady_clock;
 namespace fs = std::filesystem;
 
-/// By then there has been each kind of request, the longest included.
+/// By then there has been each kind of request.
 constexpr std::size_t leastWarmUp = 12'000;
 
-/// It varies by less, as far as ever seen, when looked at after small requests: the room of big
-/// messages is kept or given back by fixed rules. A loss of five bytes at every request shows in
-/// a run of a million.
+/// More than the memory in use has ever varied after small requests. In a run of a million
+/// requests, a leak of five bytes per request exceeds it.
 constexpr double mostGrowth = 4 << 20;
 
-void check(bool holds, const std::string& otherwise) {
-  if (!holds) throw std::runtime_error(otherwise);
+void check(bool condition, const std::string& problem) {
+  if (!condition) throw std::runtime_error(problem);
 }
 
 class Soak {
  public:
-  Soak() : server_(started()), app_(mounted_) { EndpointFile(home_).publish(app_.port()); }
+  Soak() : server_(start()), app_(mounted_) { EndpointFile(home_).publish(app_.port()); }
 
   void run(std::size_t requests) {
     const std::size_t warmUp = std::max(leastWarmUp, requests / 10);
-    check(requests > warmUp, "that is too few requests");
+    check(requests > warmUp, "too few requests");
     const auto start = Clock::now();
     ProcessState warm;
     for (std::size_t number = 1; number <= requests; ++number) {
-      take(soakRequest(number));
+      send(soakRequest(number));
       if (number != warmUp && number != requests && number % (requests / 10) != 0) continue;
-      hearAll();
+      finishBatch();
       const ProcessState now = report(number, Clock::now() - start);
       if (number == warmUp) warm = now;
       if (number > warmUp) checkFlat(warm, now);
     }
     end();
     std::printf("%zu requests answered; the application had %zu calls; launches: %s\n", requests,
-                app_.calls(), mounted_ ? "one in a thousand probes" : "none, mounts are refused");
+                app_.calls(), mounted_ ? "one in a thousand probes" : "none");
   }
 
  private:
-  /// With a tool for launching that does nothing, if there may be one: the application runs.
-  std::unique_ptr<ServerProcess> started() {
+  /// Replaces `open` by a program that does nothing, because the application runs. Where the system
+  /// does not allow that, every probe is answered, so that nothing is launched.
+  std::unique_ptr<ServerProcess> start() {
     const fs::path folder = home_.folder() / "launching";
     fs::create_directory(folder);
     fs::create_symlink("/usr/bin/true", folder / "open");
@@ -80,38 +80,47 @@ class Soak {
     }
   }
 
-  /// Sends together what fits into the pipe, and what is longer by itself, and hears the replies
-  /// before there is more: so neither side ever waits for the other to read.
-  void take(SoakRequest next) {
+  /// Collects requests that fit into the pipe together and receives their replies before it sends
+  /// more, so that neither side waits for the other to read. A longer request is a batch of its
+  /// own.
+  void send(SoakRequest next) {
     constexpr std::size_t batch = 32'000;
     const std::string text = next.unanswered + next.line;
-    if (lines_.size() + text.size() > batch) hearAll();
+    if (lines_.size() + text.size() > batch) finishBatch();
     lines_ += text;
     next.line.clear();
-    awaited_.push_back(std::move(next));
+    expected_.push_back(std::move(next));
   }
 
-  void hearAll() {
+  void finishBatch() {
     server_->send(lines_);
     lines_.clear();
-    for (const SoakRequest& asked : awaited_) hear(asked);
-    awaited_.clear();
+    for (const SoakRequest& asked : expected_) checkReply(asked);
+    expected_.clear();
   }
 
-  void hear(const SoakRequest& asked) {
-    const auto line = server_->readLine(std::chrono::seconds(60));
+  void checkReply(const SoakRequest& asked) {
+    const auto line = server_->readLine();
     check(line.has_value(), "no reply to " + asked.id);
     const json reply = json::parse(*line);
-    const std::string got = line->substr(0, 500);
-    check(reply.size() == 3 && reply.at("jsonrpc") == "2.0", "not a reply: " + got);
-    check(reply.at("id").dump() == asked.id, "awaited " + asked.id + ", got " + got);
+    const std::string shown = line->substr(0, 500);
+    check(reply.size() == 3 && reply.at("jsonrpc") == "2.0", "not a reply: " + shown);
+    check(reply.at("id").dump() == asked.id, "expected " + asked.id + ", received " + shown);
     if (!asked.error.empty()) {
-      check(reply.at("error").dump() == asked.error, "another error: " + got);
+      check(reply.at("error").dump() == asked.error, "another error: " + shown);
     } else if (asked.result == "any") {
-      check(reply.at("result").at("tools").size() == 11, "another list: " + got);
+      check(reply.at("result").at("tools").size() == 11, "another list: " + shown);
     } else {
-      check(reply.at("result").dump() == asked.result, "another result: " + got);
+      checkResult(asked, reply.at("result"));
     }
+  }
+
+  void checkResult(const SoakRequest& asked, const json& result) {
+    const bool isExpected = result.dump() == asked.result;
+    const bool isUnreadable = result == errorResult(unreadableReply);
+    check(isExpected || (asked.isCall && isUnreadable), "another result: " + result.dump());
+    const bool wasLate = asked.isCall && app_.wasLate();
+    check(isExpected || wasLate, "unreadable, expected " + asked.result);
   }
 
   ProcessState report(std::size_t number, std::chrono::duration<double> took) {
@@ -126,18 +135,18 @@ class Soak {
   }
 
   static void checkFlat(const ProcessState& warm, const ProcessState& now) {
-    check(now.descriptors == warm.descriptors, "the number of descriptors has changed");
-    check(now.threads == warm.threads, "the number of threads has changed");
-    check(now.children == 0, "children have been left behind");
-#if !UNDER_ADDRESS_SANITIZER && !UNDER_THREAD_SANITIZER  // they keep what was given back
-    check(now.residentBytes < warm.residentBytes + mostGrowth, "the memory has grown");
+    check(now.descriptors == warm.descriptors, "the number of descriptors changed");
+    check(now.threads == warm.threads, "the number of threads changed");
+    check(now.children == 0, "there are child processes");
+#if !UNDER_ADDRESS_SANITIZER && !UNDER_THREAD_SANITIZER  // they keep freed memory
+    check(now.residentBytes < warm.residentBytes + mostGrowth, "the memory in use grew");
 #endif
   }
 
   void end() {
     server_->closeInput();
-    check(server_->waitForExit().code == 0, "the server did not end with status 0");
-    check(server_->unreadOutput().empty(), "there was more output than replies");
+    check(server_->waitForExit().code == 0, "the server did not exit with status 0");
+    check(server_->unreadOutput().empty(), "there was output after the last reply");
     check(server_->standardError().empty(), "standard error: " + server_->standardError());
   }
 
@@ -146,7 +155,7 @@ class Soak {
   std::unique_ptr<ServerProcess> server_;
   MisbehavingApp app_;
   std::string lines_;
-  std::vector<SoakRequest> awaited_;
+  std::vector<SoakRequest> expected_;
 };
 
 }  // namespace
@@ -154,7 +163,7 @@ class Soak {
 int main(int count, char** arguments) {
   std::signal(SIGPIPE, SIG_IGN);
   try {
-    check(count == 2, "how many requests?");
+    check(count == 2, "usage: quillmark_soak REQUESTS");
     Soak().run(std::stoul(arguments[1]));
     return EXIT_SUCCESS;
   } catch (const std::exception& failed) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/support/conversation.h"
+#include "tests/support/reply_writer.h"
 #include "tests/support/request_end.h"
 #include "tests/support/socket_io.h"
 
@@ -24,11 +25,13 @@ Behaviour success(std::string_view name, const std::string& result) {
 }
 
 Behaviour unreadable(std::string_view name, std::string reply) {
-  return {
-      .name = name, .reply = std::move(reply), .text = std::string(unreadableReply), .fails = true};
+  return {.name = name,
+          .reply = std::move(reply),
+          .text = std::string(unreadableReply),
+          .isError = true};
 }
 
-// Texts without anything that is laid out differently by different writers.
+// The results contain nothing that two JSON libraries write differently.
 std::vector<Behaviour> allBehaviours() {
   std::string listing = "[0";
   for (int i = 1; i < 2000; ++i) listing += "," + std::to_string(i);
@@ -40,8 +43,8 @@ std::vector<Behaviour> allBehaviours() {
           {.name = "refuse",
            .reply = R"({"ok":false,"error":"Not now."})",
            .text = "Not now.",
-           .fails = true},
-          {.name = "shrug", .reply = "{}", .text = std::string(refusedRequest), .fails = true},
+           .isError = true},
+          {.name = "shrug", .reply = "{}", .text = std::string(refusedRequest), .isError = true},
           unreadable("close", ""),
           unreadable("reset", ""),
           unreadable("garbage", std::string("\x00\xFF}{\"]\n", 7)),
@@ -51,15 +54,15 @@ std::vector<Behaviour> allBehaviours() {
           unreadable("deep", R"({"ok":true,"result":)" + nestedArrays(1500) + "}")};
 }
 
-// The whole request, or what came of it.
+// The whole request, or the part of it that was received.
 std::string readRequest(int connection) {
   std::string request;
   RequestEnd end;
   std::vector<char> block(std::size_t{1} << 16);
   while (true) {
-    const ssize_t got = ::recv(connection, block.data(), block.size(), 0);
-    if (got <= 0) return request;
-    const std::string_view piece(block.data(), static_cast<std::size_t>(got));
+    const ssize_t count = ::recv(connection, block.data(), block.size(), 0);
+    if (count <= 0) return request;
+    const std::string_view piece(block.data(), static_cast<std::size_t>(count));
     request += piece;
     if (end.reachedBy(piece)) return request;
   }
@@ -88,19 +91,37 @@ void MisbehavingApp::serve() {
     if (::poll(&wanted, 1, 50) <= 0) continue;
     const int connection = listener_.accept();
     if (connection < 0) continue;
-    answer(connection);
+    handle(connection);
     ::close(connection);
   }
 }
 
-void MisbehavingApp::answer(int connection) {
+void MisbehavingApp::handle(int connection) {
   const json request = json::parse(readRequest(connection));
   if (request.at("tool") == "drive_status") {
     if (failsProbes_ && ++probes_ % 1000 == 0) return resetWhenClosed(connection);
     return sendAll(connection, behaviour("small").reply);
   }
   ++calls_;
-  const Behaviour& wanted = behaviour(request.at("arguments").at("do").get<std::string>());
-  if (wanted.name == "reset") return resetWhenClosed(connection);
-  sendAll(connection, wanted.reply);
+  reply(connection, request.at("arguments").at("do").get<std::string>());
+}
+
+void MisbehavingApp::reply(int connection, std::string_view name) {
+  ReplyWriter writer;
+  if (name == "reset") {
+    resetWhenClosed(connection);
+  } else {
+    writer.write(connection, behaviour(name).reply);
+  }
+  const std::lock_guard lock(mutex_);
+  late_.push_back(writer.longestGap() >= ReplyWriter::lateGap);
+  replied_.notify_one();
+}
+
+bool MisbehavingApp::wasLate() {
+  std::unique_lock lock(mutex_);
+  replied_.wait(lock, [this] { return !late_.empty(); });
+  const bool late = late_.front();
+  late_.pop_front();
+  return late;
 }

@@ -11,7 +11,7 @@
 ProcessState stateOf(pid_t process) {
   proc_taskinfo task{};
   if (proc_pidinfo(process, PROC_PIDTASKINFO, 0, &task, sizeof task) <= 0) {
-    throw std::runtime_error("the system doesn't tell the state of the server");
+    throw std::runtime_error("the system does not report the state of the server");
   }
   std::array<proc_fdinfo, 4096> open{};
   const int bytes = proc_pidinfo(process, PROC_PIDLISTFDS, 0, open.data(), sizeof open);
@@ -43,7 +43,7 @@ std::size_t entriesOf(const std::string& folder) {
   return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), {}));
 }
 
-// Behind the name, which may hold anything, are the state and the parent.
+// The state and the parent follow the name, which can contain anything.
 bool isChildOf(pid_t parent, const fs::path& folder) {
   std::ifstream file(folder / "stat");
   const std::string text{std::istreambuf_iterator<char>(file), {}};
@@ -73,7 +73,7 @@ ProcessState stateOf(pid_t process) {
     if (line.starts_with("VmRSS:")) state.residentBytes = std::stod(line.substr(6)) * kibibyte;
   }
   if (state.residentBytes == 0) {
-    throw std::runtime_error("the system doesn't tell the state of the server");
+    throw std::runtime_error("the system does not report the state of the server");
   }
   return state;
 }

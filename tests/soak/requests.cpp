@@ -10,7 +10,7 @@ namespace {
 
 using nlohmann::json;
 
-// The result of "tools/list" is taken as it is; other tests look into it.
+// Other tests check the result of "tools/list".
 constexpr std::string_view anyResult = "any";
 
 std::string idOf(std::size_t number) {
@@ -42,8 +42,10 @@ SoakRequest unknownMethod(std::size_t number, const std::string& method, std::si
 SoakRequest call(std::size_t number, std::string_view name) {
   const Behaviour& expected = behaviour(name);
   const json params = {{"name", "tool"}, {"arguments", {{"do", name}, {"number", number}}}};
-  return {.line = toolCall(params.dump(), idOf(number)) + "\n",
-          .result = (expected.fails ? failure(expected.text) : textResult(expected.text)).dump()};
+  return {
+      .line = toolCall(params.dump(), idOf(number)) + "\n",
+      .result = (expected.isError ? errorResult(expected.text) : textResult(expected.text)).dump(),
+      .isCall = true};
 }
 
 std::string_view rareCall(std::size_t number) {
@@ -58,7 +60,7 @@ std::string_view frequentCall(std::size_t number) {
   return number % 100 == 3 ? "listing" : names[number / 10 % names.size()];
 }
 
-SoakRequest requestProper(std::size_t number) {
+SoakRequest makeRequest(std::size_t number) {
   constexpr std::size_t longLine = 64 << 20;
   if (number % 50'000 == 10'000) return unknownMethod(number, "long", longLine);
   if (number % 2'500 == 1'250) return call(number, rareCall(number));
@@ -82,7 +84,7 @@ SoakRequest requestProper(std::size_t number) {
 }  // namespace
 
 SoakRequest soakRequest(std::size_t number) {
-  SoakRequest made = requestProper(number);
+  SoakRequest made = makeRequest(number);
   made.unanswered = unansweredBefore(number);
   made.id = idOf(number);
   return made;

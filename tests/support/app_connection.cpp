@@ -12,10 +12,10 @@ AppConnection::AppConnection(int socket, AppState& state, std::size_t index)
     : socket_(socket), state_(state), index_(index) {}
 
 AppConnection::~AppConnection() {
-  hangUp();
+  close();
 }
 
-// False when nothing more will come: the server has closed, or the test is over.
+// False at the end of the stream and when the test is over.
 bool AppConnection::receive(std::size_t atMost) {
   if (socket_ < 0) return false;
   pollfd wanted{.fd = socket_, .events = POLLIN, .revents = 0};
@@ -24,16 +24,16 @@ bool AppConnection::receive(std::size_t atMost) {
     if (state_.ending) return false;
   }
   std::vector<char> block(atMost);
-  const ssize_t got = ::recv(socket_, block.data(), block.size(), 0);
+  const ssize_t count = ::recv(socket_, block.data(), block.size(), 0);
   const std::lock_guard lock(state_.mutex);
   ConnectionRecord& record = state_.records[index_];
-  if (got > 0) {
-    record.received.append(block.data(), static_cast<std::size_t>(got));
+  if (count > 0) {
+    record.received.append(block.data(), static_cast<std::size_t>(count));
   } else if (!record.closedByServer) {
-    record.closedByServer = std::chrono::steady_clock::now();
+    record.closedByServer = ConnectionRecord::Clock::now();
   }
   state_.changed.notify_all();
-  return got > 0;
+  return count > 0;
 }
 
 void AppConnection::readRequest() {
@@ -60,8 +60,16 @@ void AppConnection::readAtLeast(std::size_t bytes) {
   }
 }
 
-void AppConnection::write(std::string_view bytes) {
-  if (socket_ >= 0) sendAll(socket_, bytes);
+bool AppConnection::write(std::string_view bytes) {
+  if (socket_ < 0) return false;
+  const bool complete = writer_.write(socket_, bytes);
+  const std::lock_guard lock(state_.mutex);
+  state_.records[index_].longestGap = writer_.longestGap();
+  return complete && !state_.ending;
+}
+
+void AppConnection::writeUntilClosed(std::string_view bytes, Duration pauseTime) {
+  while (write(bytes)) pause(pauseTime);
 }
 
 void AppConnection::pause(Duration time) {
@@ -79,14 +87,14 @@ void AppConnection::halfClose() {
   if (socket_ >= 0) ::shutdown(socket_, SHUT_WR);
 }
 
-void AppConnection::hangUp() {
+void AppConnection::close() {
   if (socket_ >= 0) ::close(socket_);
   socket_ = -1;
 }
 
 void AppConnection::reset() {
   if (socket_ >= 0) resetWhenClosed(socket_);
-  hangUp();
+  close();
 }
 
 void AppConnection::waitForServerToClose() {

@@ -8,18 +8,20 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/reply_writer.h"
 #include "tests/support/request_end.h"
 
-/// What is known of one connection that the server made to the scripted application.
+/// One connection that the server made to the scripted application.
 struct ConnectionRecord {
-  /// Every byte that came, also those after the request's end.
-  std::string received;
-  std::chrono::steady_clock::time_point opened;
-  /// When the server closed its end; empty while it is open.
-  std::optional<std::chrono::steady_clock::time_point> closedByServer;
+  using Clock = std::chrono::steady_clock;
+
+  std::string received;  ///< every byte, also those after the end of the request
+  Clock::time_point opened;
+  std::optional<Clock::time_point> closedByServer;
+  Clock::duration longestGap{};  ///< of the reply; see ReplyWriter
 };
 
-/// What a scripted application and its connections share; the mutex guards all of it.
+/// What a scripted application and its connections share. The mutex guards all of it.
 struct AppState {
   std::mutex mutex;
   std::condition_variable changed;
@@ -28,36 +30,38 @@ struct AppState {
   bool ending = false;
 };
 
-/// The application's end of one connection, in the words in which scripts are written.
-/// Used from the thread that runs the script of this connection. Every wait ends early when
-/// the test is over; a call on a connection that is gone does nothing.
+/// The application's end of one connection, as a script uses it. For the thread that runs the
+/// script. Every wait ends early when the test is over; calls on a closed connection do nothing.
 class AppConnection {
  public:
   using Duration = std::chrono::milliseconds;
 
-  /// Takes the socket over. The index is that of the connection's record.
+  /// Owns the socket. `index` is that of the connection's record.
   AppConnection(int socket, AppState& state, std::size_t index);
   ~AppConnection();
   AppConnection(const AppConnection&) = delete;
   AppConnection& operator=(const AppConnection&) = delete;
 
-  /// Reads until the JSON object that the request consists of is complete.
+  /// Reads until the JSON object of the request is complete.
   void readRequest();
-  /// The same in small pieces with a pause after each.
+  /// The same in small pieces, with a pause after each.
   void readRequestSlowly(std::size_t piece, Duration pause);
-  /// Reads some of the request, at least this many bytes.
+  /// Reads at least this many bytes of the request.
   void readAtLeast(std::size_t bytes);
-  /// Hands all of it to the system in one call, as far as the system takes it at once.
-  void write(std::string_view bytes);
+  /// Writes everything, as fast as the server reads. False if the server has closed the connection.
+  bool write(std::string_view bytes);
+  /// Writes these bytes again and again, with a pause after each time, until the server closes the
+  /// connection.
+  void writeUntilClosed(std::string_view bytes, Duration pause);
   void pause(Duration time);
   /// Waits until the test calls ScriptedApp::release().
   void waitForRelease();
-  /// Ends the stream towards the server, which may still be heard.
+  /// Ends the stream to the server. The other direction stays open.
   void halfClose();
-  void hangUp();
-  /// Breaks the connection off, so that the server sees an error.
+  void close();
+  /// Closes with a reset, so that the server gets an error.
   void reset();
-  /// Takes in whatever comes until the server closes its end.
+  /// Reads and records whatever arrives until the server closes its end.
   void waitForServerToClose();
 
  private:
@@ -68,4 +72,5 @@ class AppConnection {
   std::size_t index_;
   std::size_t scanned_ = 0;
   RequestEnd end_;
+  ReplyWriter writer_;
 };

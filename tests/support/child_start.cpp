@@ -8,12 +8,12 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
+#include <string_view>
 #include <system_error>
 
 #include "tests/support/private_mounts.h"
 
-extern char** environ;  // NOLINT(readability-redundant-declaration): not everywhere declared
+extern char** environ;  // NOLINT(readability-redundant-declaration): not every system declares it
 
 namespace {
 
@@ -24,17 +24,18 @@ struct StartFailure {
   int error;
 };
 
-// Everything that the child needs is made ready before fork: the test has threads, so the
-// child may not allocate.
+// Everything that the child needs, prepared before fork(). The test has threads, so the child must
+// not allocate memory.
 struct ChildPlan {
-  ChildPlan(const TemporaryHome& home, const ServerSetup& wanted, ChildStreams ends)
-      : setup(wanted), streams(ends), mounts(wanted.overUsrBin) {
+  ChildPlan(const TemporaryHome& home, const ServerSetup& serverSetup, ChildStreams childStreams)
+      : setup(serverSetup), streams(childStreams), mounts(serverSetup.overUsrBin) {
     arguments.emplace_back(QUILLMARK_MCP_BINARY);
     arguments.insert(arguments.end(), setup.arguments.begin(), setup.arguments.end());
     for (char** entry = environ; *entry != nullptr; ++entry) {
-      if (std::strncmp(*entry, "HOME=", 5) != 0) environment.emplace_back(*entry);
+      if (!std::string_view(*entry).starts_with("HOME=")) environment.emplace_back(*entry);
     }
     environment.push_back("HOME=" + home.home().string());
+    environment.push_back("CFFIXED_USER_HOME=" + home.home().string());  // for macOS
     environment.insert(environment.end(), setup.environment.begin(), setup.environment.end());
     argumentPointers = pointersTo(arguments);
     environmentPointers = pointersTo(environment);
@@ -57,7 +58,7 @@ struct ChildPlan {
   std::vector<char*> environmentPointers;
 };
 
-void takeStreams(const ChildPlan& plan, int report) {
+void setStreams(const ChildPlan& plan, int report) {
   ::dup2(plan.streams.input, STDIN_FILENO);
   ::dup2(plan.streams.output, STDOUT_FILENO);
   ::dup2(plan.streams.error, STDERR_FILENO);
@@ -68,7 +69,7 @@ void takeStreams(const ChildPlan& plan, int report) {
   for (const int stream : plan.setup.closedStreams) ::close(stream);
 }
 
-void takeSignals(const ChildPlan& plan) {
+void setSignals(const ChildPlan& plan) {
   for (int number = 1; number < 32; ++number) ::signal(number, SIG_DFL);
   sigset_t blocked;
   ::sigemptyset(&blocked);
@@ -82,8 +83,8 @@ void takeSignals(const ChildPlan& plan) {
 }
 
 StartFailure becomeServer(const ChildPlan& plan, int report) {
-  takeStreams(plan, report);
-  takeSignals(plan);
+  setStreams(plan, report);
+  setSignals(plan);
   const rlimit noCore{.rlim_cur = 0, .rlim_max = 0};
   ::setrlimit(RLIMIT_CORE, &noCore);
   if (!plan.setup.overUsrBin.empty()) {
@@ -97,9 +98,8 @@ StartFailure becomeServer(const ChildPlan& plan, int report) {
 }
 
 [[noreturn]] void throwFailure(const StartFailure& failure) {
-  const std::error_code code(failure.error, std::generic_category());
-  if (failure.step == Step::mounts) throw PrivateMountsRefused(code.message());
-  throw std::system_error(code, QUILLMARK_MCP_BINARY);
+  if (failure.step == Step::mounts) throw PrivateMountsRefused(failure.error);
+  throw std::system_error(failure.error, std::generic_category(), QUILLMARK_MCP_BINARY);
 }
 
 }  // namespace
@@ -119,11 +119,11 @@ pid_t startServer(const TemporaryHome& home, const ServerSetup& setup, ChildStre
   ::close(report[1]);
   if (pid < 0) throw std::system_error(errno, std::generic_category(), "fork");
 
-  // The pipe closes by itself when the program has been loaded.
+  // Loading the program closes the pipe.
   StartFailure failure{};
-  const ssize_t told = ::read(report[0], &failure, sizeof failure);
+  const ssize_t count = ::read(report[0], &failure, sizeof failure);
   ::close(report[0]);
-  if (told == sizeof failure) {
+  if (count == sizeof failure) {
     ::waitpid(pid, nullptr, 0);
     throwFailure(failure);
   }

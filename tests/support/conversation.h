@@ -16,57 +16,65 @@
 #include "tests/support/server_process.h"
 #include "tests/support/temporary_home.h"
 
-/// The messages that the bridge itself has for the agent.
+/// The bridge's own messages for the agent.
 inline constexpr std::string_view couldNotBeStarted =
     "Quillmark could not be started. Open it once from Applications, then try again.";
 inline constexpr std::string_view noResponse = "No response from Quillmark.";
 inline constexpr std::string_view unreadableReply = "Quillmark sent an unreadable reply.";
 inline constexpr std::string_view refusedRequest = "Quillmark refused the request.";
 
-/// A request line with this id, which is written as it stands.
+/// A request line. `id` is JSON text.
 std::string request(std::string_view method, std::string_view id = "1");
-/// A tools/call line with these "params" and this id, both written as they stand.
+/// A tools/call line. "params" and `id` are JSON text.
 std::string toolCall(std::string_view params, std::string_view id = "1");
 /// The "result" of a tool call that succeeded with this text, or failed with this message.
 nlohmann::json textResult(std::string_view text);
-nlohmann::json failure(std::string_view message);
-/// That many arrays, one within the other.
+nlohmann::json errorResult(std::string_view message);
+/// Empty arrays inside each other.
 std::string nestedArrays(int depth);
-/// True if text has this piece; a test's failure shows both.
-testing::AssertionResult has(std::string_view text, std::string_view piece);
+/// Whether the text contains the piece. A failure shows both.
+testing::AssertionResult contains(std::string_view text, std::string_view piece);
 
-/// A conversation between an agent host and a server with its own home folder, beside a
-/// scripted application that listens and has published its endpoint. No test here may make
-/// the server write to standard error.
+/// A test that is an agent's host: it talks to a server, which has a home folder of its own. A
+/// scripted application listens and has published its endpoint. In no test may the server write to
+/// standard error.
 class Conversation : public testing::Test {
  protected:
   using Clock = std::chrono::steady_clock;
   using Seconds = std::chrono::duration<double>;
-  static constexpr auto generous = ServerProcess::generous;
 
-  /// Starts the server, or skips the test where what it needs cannot be had.
+  /// The promised limits of the bridge.
+  static constexpr Seconds probeLimit{3};
+  static constexpr Seconds startLimit{20};
+  static constexpr Seconds callLimit{30};
+  /// How much later than promised something may be seen on a busy machine.
+  static constexpr Seconds lateness{15};
+
+  /// Starts the server. Skips the test where the system does not allow what it needs.
   void SetUp() override;
   void TearDown() override;
 
-  void say(std::string_view line);
-  /// The next reply line. Throws when none comes in time.
-  std::string hearLine(std::chrono::milliseconds within = generous);
-  /// The next reply. Throws when none comes in time or it is not JSON.
-  nlohmann::json hear(std::chrono::milliseconds within = generous);
-  /// True if the server, after all else that it was told, has nothing more to say.
-  testing::AssertionResult staysSilent();
-  /// Ends the server's input and checks that it exits at once with status 0 and without
-  /// another word.
-  void sayGoodbye();
+  void sendLine(std::string_view line);
+  /// The next line of output. Throws if there is none.
+  std::string receiveLine();
+  /// The next reply. Throws if there is none or it is not JSON.
+  nlohmann::json receive();
+  /// Whether the server has replied to everything sent so far: it replies to nothing else before it
+  /// replies to one more request.
+  testing::AssertionResult hasNoFurtherReply();
+  /// Ends the server's input. It must exit with status 0 and write nothing more.
+  void expectCleanExit();
 
-  /// Makes a tool call and returns the reply's "result".
+  /// Makes a tool call and returns the "result" of the reply.
   nlohmann::json callTool(std::string_view name,
-                          const nlohmann::json& arguments = nlohmann::json::object(),
-                          std::chrono::milliseconds within = generous);
-  /// What a tool call comes to when this is the application's reply to it.
-  nlohmann::json callAnsweredWith(std::string_view appReply);
-  /// The one text of a tool call that succeeded.
-  std::string callGivingText(std::string_view appReply);
+                          const nlohmann::json& arguments = nlohmann::json::object());
+  /// The result of a tool call for which the application runs this script. If the application was
+  /// so late with a part of its reply that the server could not wait for it, the call is made
+  /// again.
+  nlohmann::json callWithScript(const ScriptedApp::Script& script);
+  nlohmann::json callWithReply(std::string_view appReply);
+  /// The text of the result, which must be a success.
+  std::string callText(std::string_view appReply);
 
   TemporaryHome home;
   EndpointFile endpointFile{home};
@@ -76,16 +84,16 @@ class Conversation : public testing::Test {
   std::unique_ptr<ServerProcess> server;
 };
 
-/// A conversation in which launching the application is seen by the test and does what the
-/// test asks for. No endpoint is published at first.
+/// A conversation in which the test sees launches of the application and decides what they do. No
+/// endpoint is published at first.
 class LaunchConversation : public Conversation {
  protected:
   LaunchConversation();
   void SetUp() override;
 };
 
-/// A conversation in which the application cannot be launched, so that a tool call fails at
-/// once when the endpoint file is no good.
+/// A conversation in which the application cannot be launched, so that a tool call fails at once if
+/// the endpoint file is unusable.
 class UnlaunchableConversation : public Conversation {
  protected:
   UnlaunchableConversation();

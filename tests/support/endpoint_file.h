@@ -7,11 +7,11 @@
 
 #include "tests/support/temporary_home.h"
 
-/// The token that tests publish unless they say otherwise: easy to find where it must not be.
+/// The token that tests publish by default. It is easy to find where it must not be.
 inline constexpr std::string_view usualToken = "token-for-the-application-alone";
 
-/// The file through which the application tells where it listens, as the application
-/// would write it. Nothing is there until something is written.
+/// The endpoint file, through which the application publishes where it listens. It does not exist
+/// until something is written.
 class EndpointFile {
  public:
   explicit EndpointFile(const TemporaryHome& home);
@@ -19,9 +19,9 @@ class EndpointFile {
   /// The text of a usable file.
   static std::string text(int port, std::string_view token = usualToken, std::int64_t version = 1);
 
-  /// Replaces the file in one step by a usable one.
+  /// Replaces the file atomically with a usable one.
   void publish(int port, std::string_view token = usualToken, std::int64_t version = 1) const;
-  /// Replaces the file in one step by exactly these bytes.
+  /// Replaces the file atomically with these bytes.
   void write(std::string_view bytes) const;
   void remove() const;
 

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <string>
 
-/// Which file that is, whatever its name is where one stands: its device and its number there.
-/// Empty if there is none.
+/// Identifies a file by its device and inode, because a path can mean different files to different
+/// processes. Empty if there is no file.
 inline std::string fileIdentity(const std::filesystem::path& path) {
   struct stat status{};
   if (::stat(path.c_str(), &status) != 0) return "";

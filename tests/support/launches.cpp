@@ -5,7 +5,6 @@
 #include <thread>
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 
 Launches::Launches(const TemporaryHome& home)
     : recording_(home.folder() / "recording"),
@@ -13,7 +12,7 @@ Launches::Launches(const TemporaryHome& home)
       records_(home.folder() / "launches"),
       script_(home.folder() / "open-script.json") {
   for (const fs::path& folder : {recording_, broken_, records_}) fs::create_directory(folder);
-  fs::copy_file(QUILLMARK_RECORDING_OPEN, recording_ / "open");
+  fs::create_symlink(QUILLMARK_RECORDING_OPEN, recording_ / "open");
   std::ofstream(broken_ / "open") << "not a program\n";
   script({});
 }
@@ -31,18 +30,20 @@ std::size_t Launches::count() const {
   return number;
 }
 
-nlohmann::json Launches::record(std::size_t index, Duration within) const {
+nlohmann::json Launches::record(std::size_t index) const {
+  using Clock = std::chrono::steady_clock;
   const fs::path file = records_ / std::to_string(index);
-  const auto deadline = Clock::now() + within;
+  const auto deadline = Clock::now() + generous;
   while (!fs::exists(file)) {
-    if (Clock::now() > deadline) throw std::runtime_error("open was not launched in time");
+    if (Clock::now() > deadline) throw std::runtime_error("open was not launched");
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
   std::ifstream in(file);
   return nlohmann::json::parse(in);
 }
 
-Clock::time_point Launches::startOf(std::size_t index, Duration within) const {
-  const auto started = record(index, within)["startedAt"].get<Clock::duration::rep>();
+std::chrono::steady_clock::time_point Launches::startOf(std::size_t index) const {
+  using Clock = std::chrono::steady_clock;
+  const auto started = record(index)["startedAt"].get<Clock::duration::rep>();
   return Clock::time_point(Clock::duration(started));
 }

@@ -10,21 +10,22 @@
 
 #include "tests/support/temporary_home.h"
 
-/// What a launched `open` does, in this order, after it has written its record.
+/// What a launched `open` does after it has written its record, in this order.
 struct OpenScript {
   std::chrono::milliseconds waitFirst{0};
-  /// Bytes for the endpoint file, which is otherwise left alone.
+  /// Bytes for the endpoint file. None: it does not touch the file.
   std::optional<std::string> publish = std::nullopt;
-  /// It stays that long, or until the test is over.
+  /// How long it then keeps running, unless the test is over before.
   std::chrono::milliseconds stay{0};
   int exitCode = 0;
 };
 
-/// The launches of the application that a server makes, seen through an `open` of our own,
-/// which records how it was started. Its folder is meant for ServerSetup::overUsrBin.
+/// The launches of the application by a server. In place of the system's `open` the server finds a
+/// program that records how it was started: ServerSetup::overUsrBin takes one of the folders.
 class Launches {
  public:
   using Duration = std::chrono::milliseconds;
+  static constexpr Duration generous = std::chrono::seconds(120);
 
   explicit Launches(const TemporaryHome& home);
 
@@ -33,18 +34,17 @@ class Launches {
   /// A folder with an `open` that the system refuses to start.
   const std::filesystem::path& brokenFolder() const { return broken_; }
 
-  /// What every later launch does; nothing, unless told.
+  /// What all later launches do. Initially, nothing.
   void script(const OpenScript& script) const;
 
   std::size_t count() const;
-  /// The record of one launch, counted from 0. Throws std::runtime_error when it is not
-  /// there in time. Its members are: arguments, environment, directory, descriptors (number
-  /// to what it is), blockedSignals, ignoredSignals, pid, startedAt (nanoseconds of the
-  /// steady clock).
-  nlohmann::json record(std::size_t index, Duration within = std::chrono::seconds(10)) const;
-  /// When that launch ran its first lines.
-  std::chrono::steady_clock::time_point startOf(std::size_t index,
-                                                Duration within = std::chrono::seconds(10)) const;
+  /// The record of one launch, counted from 0: an object with "arguments", "environment",
+  /// "directory", "descriptors" (number to file), "blockedSignals", "ignoredSignals", "pid" and
+  /// "startedAt" (nanoseconds of the steady clock). Waits for it; throws std::runtime_error if
+  /// there is none.
+  nlohmann::json record(std::size_t index) const;
+  /// When that launch reached its main().
+  std::chrono::steady_clock::time_point startOf(std::size_t index) const;
 
  private:
   std::filesystem::path recording_;

@@ -23,7 +23,7 @@ LoopbackListener::LoopbackListener(int queue) : socket_(::socket(AF_INET, SOCK_S
       ::getsockname(socket_, anyAddress, &size) != 0) {
     const std::error_code reason(errno, std::generic_category());
     ::close(socket_);
-    throw std::system_error(reason, "no port to listen on");
+    throw std::system_error(reason, "cannot listen");
   }
   port_ = ntohs(address.sin_port);
 }

@@ -4,14 +4,14 @@
 
 #include <cstdint>
 
-/// That port of 127.0.0.1.
+/// The address of a port of 127.0.0.1.
 sockaddr_in loopback(std::uint16_t port);
 
-/// A socket that listens on a port of 127.0.0.1 which the system chose, closed with its owner.
+/// A socket that listens on a port of 127.0.0.1, which the system chooses.
 class LoopbackListener {
  public:
-  /// Room for that many connections that nobody has accepted yet. Throws std::system_error when
-  /// it can't listen.
+  /// `queue`: how many connections may wait to be accepted. Throws std::system_error if it cannot
+  /// listen.
   explicit LoopbackListener(int queue);
   ~LoopbackListener();
   LoopbackListener(const LoopbackListener&) = delete;
@@ -20,7 +20,7 @@ class LoopbackListener {
   int socket() const { return socket_; }
   std::uint16_t port() const { return port_; }
 
-  /// The next connection, which the caller owns; waits for one. -1 when that fails.
+  /// Waits for the next connection, which the caller owns. -1 if that fails.
   int accept() const;
 
  private:

@@ -3,6 +3,18 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
+
+PrivateMountsRefused::PrivateMountsRefused(int error)
+    : std::runtime_error(std::string("needs mounts of its own (") + std::strerror(error) +
+#ifdef __linux__
+                         "): run as root, in a privileged container, or allow user namespaces, on "
+                         "Ubuntu with sysctl -w kernel.apparmor_restrict_unprivileged_userns=0") {
+}
+#else
+                         "), which only Linux has") {
+}
+#endif
 
 #ifdef __linux__
 
@@ -25,7 +37,7 @@ std::string identity(unsigned id) {
   return std::to_string(id) + " " + std::to_string(id) + " 1";
 }
 
-/// Puts the root directory back to the real one. Whoever has a working directory outside their
+/// Makes the real root directory the root again. A process whose working directory is outside its
 /// root can climb out of it.
 int leaveChangedRoot() noexcept {
   constexpr int deepestRoot = 64;
@@ -40,8 +52,8 @@ int makePrivate() noexcept {
   return ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 ? 0 : errno;
 }
 
-/// Where the root was changed to a plain folder, the mount that the folder is on can only be
-/// named from outside.
+/// If the root was changed to a plain folder, the mount of that folder can only be named from
+/// outside.
 int makePrivateFromOutside() noexcept {
   const int folder = ::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   const int root = ::open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -57,8 +69,8 @@ int makePrivateFromOutside() noexcept {
 
 }  // namespace
 
-// The folder is the upper of two read-only layers, so nothing has to be writable and the
-// file system below the temporary folder may be of any kind.
+// The folder is the upper of two read-only layers. So nothing has to be writable, and the temporary
+// folder may be on any kind of file system.
 PrivateMounts::PrivateMounts(const std::filesystem::path& overUsrBin)
     : overlayOptions_("lowerdir=" + overUsrBin.string() + ":/usr/bin"),
       userMap_(identity(::getuid())),

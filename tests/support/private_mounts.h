@@ -4,16 +4,16 @@
 #include <stdexcept>
 #include <string>
 
-/// The machine does not let this process have mounts of its own; what() says why.
+/// The system does not let this process have mounts of its own. what() says why and what helps.
 struct PrivateMountsRefused : std::runtime_error {
-  using std::runtime_error::runtime_error;
+  explicit PrivateMountsRefused(int error);
 };
 
-/// A view of the file system for one child process, in which the files of a folder lie over
-/// those of /usr/bin, and everything else is as it was. Linux only; it needs no privileges
-/// where ordinary users may have user namespaces.
+/// A view of the file system for one child process: the files of a folder cover those of /usr/bin,
+/// and everything else is unchanged. Linux only. Needs no privileges where ordinary users may
+/// create user namespaces.
 ///
-/// Made before fork, entered after it:
+/// Make it before fork(), enter it after:
 ///
 ///     const PrivateMounts mounts(folder);
 ///     if (fork() == 0) { if (mounts.enter() == 0) execve(...); _exit(1); }
@@ -21,8 +21,8 @@ class PrivateMounts {
  public:
   explicit PrivateMounts(const std::filesystem::path& overUsrBin);
 
-  /// Moves the calling process into its own mounts. Returns 0, or the errno of the step that
-  /// was refused. Only makes calls that are safe in a child forked from a threaded process.
+  /// Moves the calling process into its own mounts. Returns 0, or the errno of the refused step.
+  /// Safe in a child that was forked from a process with threads.
   int enter() const noexcept;
 
  private:

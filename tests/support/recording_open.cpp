@@ -1,5 +1,5 @@
-// Stands in for the system's `open` in tests: it writes down how it was started, then does
-// what the test has asked for. It finds both beside the home folder that it inherits.
+// Replaces the system's `open` in tests. It records how it was started, then does what the test has
+// written into a script. Both files are next to the home folder that it inherits.
 
 #include <unistd.h>
 
@@ -24,9 +24,9 @@ json openDescriptors() {
   json found = json::object();
   const std::string own = "/proc/" + std::to_string(::getpid()) + "/fd";
   for (const fs::directory_entry& entry : fs::directory_iterator(own)) {
-    std::error_code closedAgain;
-    const std::string target = fs::read_symlink(entry.path(), closedAgain).string();
-    if (closedAgain || target == own) continue;
+    std::error_code notOpen;
+    const std::string target = fs::read_symlink(entry.path(), notOpen).string();
+    if (notOpen || target == own) continue;
     found[entry.path().filename().string()] = fileIdentity(entry.path());
   }
   return found;
@@ -40,7 +40,7 @@ std::string statusField(const std::string& name) {
   return "missing";
 }
 
-json ownRecord(char** arguments, char** environment, long long startedAt) {
+json recordOf(char** arguments, char** environment, long long startedAt) {
   json record{{"descriptors", openDescriptors()},
               {"directory", fs::current_path().string()},
               {"blockedSignals", statusField("SigBlk")},
@@ -54,16 +54,16 @@ json ownRecord(char** arguments, char** environment, long long startedAt) {
   return record;
 }
 
-void writeAtOnce(const fs::path& file, const std::string& bytes) {
+void writeAtomically(const fs::path& file, const std::string& bytes) {
   const fs::path fresh = file.string() + ".of-" + std::to_string(::getpid());
   std::ofstream(fresh) << bytes;
   fs::rename(fresh, file);
 }
 
-void keepRecord(const fs::path& folder, const json& record) {
+void writeRecord(const fs::path& folder, const json& record) {
   int number = 0;
   while (fs::exists(folder / std::to_string(number))) ++number;
-  writeAtOnce(folder / std::to_string(number), record.dump());
+  writeAtomically(folder / std::to_string(number), record.dump());
 }
 
 }  // namespace
@@ -73,13 +73,13 @@ int main(int, char** arguments, char** environment) {
   const char* home = std::getenv("HOME");
   if (home == nullptr) return 3;
   const fs::path folder = fs::path(home).parent_path();
-  keepRecord(folder / "launches", ownRecord(arguments, environment, startedAt));
+  writeRecord(folder / "launches", recordOf(arguments, environment, startedAt));
 
   std::ifstream in(folder / "open-script.json");
   const json script = json::parse(in);
   std::this_thread::sleep_for(Milliseconds(script["waitFirst"].get<int>()));
   if (const auto text = script["publish"].get<std::string>(); !text.empty()) {
-    writeAtOnce(fs::path(home) / "Library/Application Support/Quillmark/agent.json", text);
+    writeAtomically(fs::path(home) / "Library/Application Support/Quillmark/agent.json", text);
   }
   for (int left = script["stay"].get<int>(); left > 0 && fs::exists(folder); left -= 100) {
     std::this_thread::sleep_for(Milliseconds(100));

@@ -2,14 +2,13 @@
 
 #include <string_view>
 
-/// Tells where a request ends that comes in pieces. Nothing but the text itself tells it, so
-/// brackets outside strings are counted. No JSON library is asked, since requests may hold what
-/// it refuses.
+/// Finds the end of a request that arrives in pieces, by counting brackets outside strings. It uses
+/// no JSON library, because requests may contain what a library rejects.
 class RequestEnd {
  public:
-  /// Takes the bytes that came next; true once the end is among them.
-  bool reachedBy(std::string_view bytes) {
-    for (const char byte : bytes) {
+  /// Call it with each piece. True once the end of the request is in one.
+  bool reachedBy(std::string_view piece) {
+    for (const char byte : piece) {
       if (escaped_) {
         escaped_ = false;
       } else if (inString_) {

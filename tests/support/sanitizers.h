@@ -1,7 +1,7 @@
 #pragma once
 
-/// Which sanitizers this is built with, each 0 or 1, for the few cases that one of them makes
-/// impossible: it needs descriptors, address space or threads of its own.
+// Which sanitizers this is built with, each 0 or 1, for the few tests that one of them makes
+// impossible because it uses descriptors, address space or threads itself.
 #if defined(__has_feature)
 #define QUILLMARK_HAS_FEATURE(name) __has_feature(name)
 #else

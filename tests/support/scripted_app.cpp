@@ -13,7 +13,7 @@
 
 namespace {
 
-// A socket of that kind bound to a port of 127.0.0.1, or -1 when the port is taken.
+// A socket bound to a port of 127.0.0.1, or -1 if the port is taken.
 int boundSocket(int type, int port) {
   const int socket = ::socket(AF_INET, type, 0);
   if (socket < 0) return -1;
@@ -29,10 +29,10 @@ int boundSocket(int type, int port) {
 
 }  // namespace
 
-// Nobody else may get the port while the application does not listen on it. So it is one that
-// the system does not give out by itself, and the UDP port of the same number is held all the
-// time, which keeps the applications of other tests away.
-ScriptedApp::ScriptedApp() : otherwise_(answer()) {
+// No other program may get the port while the application does not listen on it. So the port is one
+// that the system does not choose by itself. The UDP port of the same number stays bound, which
+// keeps the applications of other tests away.
+ScriptedApp::ScriptedApp() : default_(succeed()) {
   int wake[2];
   if (::pipe(wake) != 0) throw std::runtime_error("no pipe");
   wakeRead_ = wake[0];
@@ -81,7 +81,7 @@ void ScriptedApp::wakeAcceptor() {
   (void)!::write(wakeWrite_, "", 1);
 }
 
-// The acceptor may be waiting on the socket, which keeps it alive beyond close().
+// If the acceptor is polling the socket, close() alone would not make it stop listening.
 void ScriptedApp::stopListening() {
   const int socket = listener_.exchange(-1);
   if (socket < 0) return;
@@ -122,13 +122,13 @@ void ScriptedApp::acceptConnections() {
 
 void ScriptedApp::serve(int socket, std::size_t index) {
   AppConnection connection(socket, state_, index);
-  scriptFor()(connection);
+  nextScript()(connection);
   connection.waitForServerToClose();
 }
 
-ScriptedApp::Script ScriptedApp::scriptFor() {
+ScriptedApp::Script ScriptedApp::nextScript() {
   const std::lock_guard lock(state_.mutex);
-  if (scripts_.empty()) return otherwise_;
+  if (scripts_.empty()) return default_;
   Script next = std::move(scripts_.front());
   scripts_.pop_front();
   return next;
@@ -139,9 +139,9 @@ void ScriptedApp::script(std::vector<Script> scripts) {
   for (Script& script : scripts) scripts_.push_back(std::move(script));
 }
 
-void ScriptedApp::otherwise(Script script) {
+void ScriptedApp::setDefault(Script script) {
   const std::lock_guard lock(state_.mutex);
-  otherwise_ = std::move(script);
+  default_ = std::move(script);
 }
 
 void ScriptedApp::release() {

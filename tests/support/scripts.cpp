@@ -9,10 +9,6 @@ ScriptedApp::Script reply(std::string text) {
   };
 }
 
-ScriptedApp::Script answer() {
-  return succeed("{}");
-}
-
 ScriptedApp::Script succeed(std::string_view result) {
   return reply(R"({"ok":true,"result":)" + std::string(result) + "}");
 }
@@ -31,6 +27,14 @@ ScriptedApp::Script replyInTwoParts(std::string first, std::string second,
   };
 }
 
+ScriptedApp::Script replyAfter(ScriptedApp::Duration pause, std::string text) {
+  return [pause, text = std::move(text)](AppConnection& connection) {
+    connection.readRequest();
+    connection.pause(pause);
+    connection.write(text);
+  };
+}
+
 ScriptedApp::Script replyWhenReleased(std::string text) {
   return [text = std::move(text)](AppConnection& connection) {
     connection.readRequest();
@@ -39,21 +43,36 @@ ScriptedApp::Script replyWhenReleased(std::string text) {
   };
 }
 
+ScriptedApp::Script replyAndHalfClose(std::string text) {
+  return [text = std::move(text)](AppConnection& connection) {
+    connection.readRequest();
+    connection.write(text);
+    connection.halfClose();
+  };
+}
+
 ScriptedApp::Script silence() {
   return [](AppConnection& connection) { connection.readRequest(); };
 }
 
-ScriptedApp::Script hangUp() {
-  return [](AppConnection& connection) { connection.hangUp(); };
+ScriptedApp::Script closeUnread() {
+  return [](AppConnection& connection) { connection.close(); };
 }
 
-ScriptedApp::Script reset() {
+ScriptedApp::Script resetUnread() {
   return [](AppConnection& connection) { connection.reset(); };
 }
 
-ScriptedApp::Script readAndHangUp() {
+ScriptedApp::Script readAndClose() {
   return [](AppConnection& connection) {
     connection.readRequest();
-    connection.hangUp();
+    connection.close();
+  };
+}
+
+ScriptedApp::Script readAndReset() {
+  return [](AppConnection& connection) {
+    connection.readRequest();
+    connection.reset();
   };
 }

@@ -5,27 +5,28 @@
 
 #include "tests/support/scripted_app.h"
 
-/// What the scripted application does with a connection, ready-made. Each but hangUp() and
-/// reset() first reads the whole request, and leaves the connection open.
+// Ready-made scripts. Unless the name ends in "Unread", a script first reads the whole request. It
+// leaves the connection open unless it closes or resets it.
 
-/// Writes this text at once.
+/// Writes this text.
 ScriptedApp::Script reply(std::string text);
-/// A success with an empty result: what a probe usually gets.
-ScriptedApp::Script answer();
-/// A success with this JSON text as its result.
-ScriptedApp::Script succeed(std::string_view result);
-/// A refusal with this text, which must need no escapes.
+/// A success with this JSON text as its result. With an empty object it is the usual answer to a
+/// probe.
+ScriptedApp::Script succeed(std::string_view result = "{}");
+/// An error with this message, which must need no escapes.
 ScriptedApp::Script refuse(std::string_view error);
 /// Writes two parts with a pause between them.
 ScriptedApp::Script replyInTwoParts(std::string first, std::string second,
                                     ScriptedApp::Duration pause);
+/// Writes the text after a pause.
+ScriptedApp::Script replyAfter(ScriptedApp::Duration pause, std::string text);
 /// Writes the text when the test calls ScriptedApp::release().
 ScriptedApp::Script replyWhenReleased(std::string text);
-/// Says nothing for ever.
+/// Writes the text, then ends the stream.
+ScriptedApp::Script replyAndHalfClose(std::string text);
+/// Never replies.
 ScriptedApp::Script silence();
-/// Closes without a word, the request unread.
-ScriptedApp::Script hangUp();
-/// Breaks the connection off, the request unread.
-ScriptedApp::Script reset();
-/// Reads the request, then closes without a word.
-ScriptedApp::Script readAndHangUp();
+ScriptedApp::Script closeUnread();
+ScriptedApp::Script resetUnread();
+ScriptedApp::Script readAndClose();
+ScriptedApp::Script readAndReset();

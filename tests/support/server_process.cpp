@@ -26,7 +26,7 @@ void setNonBlocking(int descriptor) {
   ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK);
 }
 
-// The first is read from, the second written to.
+// The reading end and the writing end.
 Pair makeChannel(bool datagram) {
   Pair ends{};
   const int result =
@@ -83,10 +83,11 @@ ServerProcess::~ServerProcess() {
   closeOutput();
 }
 
-void ServerProcess::send(std::string_view bytes, Duration within) {
-  const auto deadline = Clock::now() + within;
+void ServerProcess::send(std::string_view bytes) {
+  const auto deadline = Clock::now() + generous;
   while (!bytes.empty()) {
-    if (!waitUntil(input_, POLLOUT, deadline)) throw std::runtime_error("server takes no input");
+    if (!waitUntil(input_, POLLOUT, deadline))
+      throw std::runtime_error("the server reads no input");
     const ssize_t written = ::write(input_, bytes.data(), bytes.size());
     if (written >= 0) {
       bytes.remove_prefix(static_cast<std::size_t>(written));
@@ -106,14 +107,14 @@ void ServerProcess::closeOutput() {
   output_ = -1;
 }
 
-// False when there was nothing to take: the time has passed or the output has ended.
-bool ServerProcess::takeOutput(Duration within, std::size_t atMost) {
+// False at the end of the output and if there is none in time.
+bool ServerProcess::receiveOutput(Duration within, std::size_t atMost) {
   if (!waitUntil(output_, POLLIN, Clock::now() + within)) return false;
   const std::size_t before = unread_.size();
   unread_.resize(before + atMost);
-  const ssize_t got = ::read(output_, unread_.data() + before, atMost);
-  unread_.resize(before + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
-  return got > 0;
+  const ssize_t count = ::read(output_, unread_.data() + before, atMost);
+  unread_.resize(before + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+  return count > 0;
 }
 
 std::optional<std::string> ServerProcess::readLine(Duration within) {
@@ -128,19 +129,19 @@ std::optional<std::string> ServerProcess::readLine(Duration within) {
     }
     searched = unread_.size();
     const auto left = std::chrono::ceil<Duration>(deadline - Clock::now());
-    if (!takeOutput(std::max(left, Duration(0)), std::size_t{1} << 16)) return std::nullopt;
+    if (!receiveOutput(std::max(left, Duration(0)), std::size_t{1} << 16)) return std::nullopt;
   }
 }
 
-std::string ServerProcess::readSome(std::size_t atMost, Duration within) {
-  if (unread_.empty()) takeOutput(within, atMost);
+std::string ServerProcess::readSome(std::size_t atMost) {
+  if (unread_.empty()) receiveOutput(generous, atMost);
   std::string some = unread_.substr(0, atMost);
   unread_.erase(0, some.size());
   return some;
 }
 
-std::string ServerProcess::readWrite(Duration within) {
-  takeOutput(within, std::size_t{1} << 16);
+std::string ServerProcess::readWrite() {
+  receiveOutput(generous, std::size_t{1} << 16);
   return std::exchange(unread_, {});
 }
 
@@ -155,15 +156,15 @@ bool ServerProcess::collectExit() {
   return true;
 }
 
-// A launched child may hold the output open for long, so the end of the process counts,
-// not the end of its output.
-ExitStatus ServerProcess::waitForExit(Duration within) {
-  const auto deadline = Clock::now() + within;
+// Waits for the process rather than for the end of its output, which a launched child may keep
+// open.
+ExitStatus ServerProcess::waitForExit() {
+  const auto deadline = Clock::now() + generous;
   while (!ended_ && !collectExit()) {
-    if (Clock::now() > deadline) throw std::runtime_error("server does not end");
-    if (!takeOutput(Duration(5), std::size_t{1} << 16)) ::usleep(1000);
+    if (Clock::now() > deadline) throw std::runtime_error("the server does not exit");
+    if (!receiveOutput(Duration(5), std::size_t{1} << 16)) ::usleep(1000);
   }
-  while (takeOutput(Duration(0), std::size_t{1} << 16)) {
+  while (receiveOutput(Duration(0), std::size_t{1} << 16)) {
   }
   return exit_;
 }
@@ -173,9 +174,9 @@ std::string ServerProcess::standardError() const {
   std::array<char, 4096> block{};
   off_t offset = 0;
   while (true) {
-    const ssize_t got = ::pread(::fileno(error_.get()), block.data(), block.size(), offset);
-    if (got <= 0) return text;
-    text.append(block.data(), static_cast<std::size_t>(got));
-    offset += got;
+    const ssize_t count = ::pread(::fileno(error_.get()), block.data(), block.size(), offset);
+    if (count <= 0) return text;
+    text.append(block.data(), static_cast<std::size_t>(count));
+    offset += count;
   }
 }

@@ -13,62 +13,63 @@
 
 #include "tests/support/temporary_home.h"
 
-/// How a server is started, where a test wants something else than the usual.
+/// How to start a server, where a test needs something unusual.
 struct ServerSetup {
   std::vector<std::string> arguments;
-  /// Entries such as "NAME=value", added to the test's own environment.
+  /// Entries such as "NAME=value", added to the environment of the test.
   std::vector<std::string> environment;
-  /// Empty: the test's own working directory.
+  /// Empty: the working directory of the test.
   std::filesystem::path directory;
-  /// A folder whose files lie over those of /usr/bin, as seen by the server alone.
+  /// A folder whose files cover those of /usr/bin for the server alone.
   std::filesystem::path overUsrBin;
   bool nonBlockingPipes = false;
-  /// Standard output is a datagram socket, which keeps each write apart; see readWrite().
+  /// Standard output is a datagram socket, so that each write is a message; see readWrite().
   bool datagramOutput = false;
   bool signalsBlockedAndIgnored = false;
+  /// The server inherits a descriptor besides the standard streams.
   bool strayDescriptor = false;
-  /// Numbers of standard streams that the host leaves closed.
+  /// Numbers of standard streams that the server starts without.
   std::vector<int> closedStreams;
 };
 
-/// How a process ended: by exiting with a code, or by a signal.
+/// How a process ended: it exited with a code, or a signal ended it.
 struct ExitStatus {
   std::optional<int> code;
   std::optional<int> signal;
   std::chrono::duration<double> processorTime{};
 };
 
-/// The built server as a child process, seen from the agent host's side: its standard input
-/// and output are pipes, its standard error is kept in a file. Used from one thread.
-/// Every wait has a limit, and throws std::runtime_error when it is passed.
-/// The process is killed at the end if it still runs.
+/// The built server as a child process. Its standard input and output are pipes, and its standard
+/// error is a file. For one thread. The functions that wait throw std::runtime_error if they wait
+/// in vain. The destructor kills the process if it still runs.
 class ServerProcess {
  public:
   using Duration = std::chrono::milliseconds;
-  static constexpr Duration generous = std::chrono::seconds(20);
+  /// Long enough for anything that is going to happen, on any machine.
+  static constexpr Duration generous = std::chrono::seconds(120);
 
-  /// Throws PrivateMountsRefused when the setup asks for mounts that cannot be had.
+  /// Throws PrivateMountsRefused if the setup needs mounts and the system refuses them.
   explicit ServerProcess(const TemporaryHome& home, const ServerSetup& setup = {});
   ~ServerProcess();
   ServerProcess(const ServerProcess&) = delete;
   ServerProcess& operator=(const ServerProcess&) = delete;
 
   /// Writes these bytes to the server's standard input.
-  void send(std::string_view bytes, Duration within = std::chrono::seconds(60));
+  void send(std::string_view bytes);
   void closeInput();
-  /// Gives up the reading end of the server's standard output.
+  /// Closes the reading end of the server's standard output.
   void closeOutput();
 
-  /// The next line of output without its line feed, or nothing when none is complete in time.
+  /// The next line of output without its line feed; none if it is not complete in time.
   std::optional<std::string> readLine(Duration within = generous);
-  /// What output there is, at most this many bytes; empty when there is none in time.
-  std::string readSome(std::size_t atMost, Duration within = generous);
+  /// The output that is there, at most this many bytes. Empty if there is none in time.
+  std::string readSome(std::size_t atMost);
   /// With datagramOutput: the bytes of one write.
-  std::string readWrite(Duration within = generous);
+  std::string readWrite();
 
-  /// Waits for the end of the process, taking in its output meanwhile.
-  ExitStatus waitForExit(Duration within = generous);
-  /// After waitForExit(): the output that nobody has read.
+  /// Waits for the end of the process and reads its output meanwhile.
+  ExitStatus waitForExit();
+  /// After waitForExit(): the output that no call has returned.
   const std::string& unreadOutput() const { return unread_; }
 
   /// Everything written to standard error so far.
@@ -76,7 +77,7 @@ class ServerProcess {
   pid_t pid() const { return pid_; }
 
  private:
-  bool takeOutput(Duration within, std::size_t atMost);
+  bool receiveOutput(Duration within, std::size_t atMost);
   bool collectExit();
 
   pid_t pid_ = -1;

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
-/// Sends all of it, or what the other end still takes: whether it has gone, the test will tell.
+/// Sends everything, unless the other end has gone.
 inline void sendAll(int socket, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t sent = ::send(socket, bytes.data(), bytes.size(), 0);

@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <string_view>
 
-/// A folder for one test alone, with the server's home folder inside it. Everything in it
-/// is removed at the end. Throws std::system_error when it cannot be made.
+/// A temporary folder for one test, with a home folder in it. The destructor removes both. Throws
+/// std::system_error if it cannot create them.
 class TemporaryHome {
  public:
   explicit TemporaryHome(std::string_view homeName = "home");
@@ -12,9 +12,9 @@ class TemporaryHome {
   TemporaryHome(const TemporaryHome&) = delete;
   TemporaryHome& operator=(const TemporaryHome&) = delete;
 
-  /// The whole folder: room for what belongs to the test but not into the home folder.
+  /// The whole folder, for files that are not part of the home folder.
   const std::filesystem::path& folder() const { return folder_; }
-  /// What the server gets as HOME.
+  /// The home folder of the server.
   const std::filesystem::path& home() const { return home_; }
 
  private:

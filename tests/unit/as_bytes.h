@@ -4,7 +4,7 @@
 
 #include "common/bytes.h"
 
-/// The text as bytes that an exchange can send.
+/// The text as the request of an exchange.
 inline common::Bytes asBytes(std::string_view text) {
   common::Bytes bytes;
   bytes.append(text);

@@ -10,11 +10,11 @@
 #include <thread>
 #include <vector>
 
-/// A pipe with both its ends.
+/// A pipe with both ends.
 class Pipe {
  public:
   Pipe() {
-    if (pipe(ends_.data()) != 0) throw std::runtime_error("no pipe");
+    if (pipe(ends_.data()) != 0) throw std::runtime_error("cannot create a pipe");
   }
   Pipe(const Pipe&) = delete;
   Pipe& operator=(const Pipe&) = delete;
@@ -26,11 +26,11 @@ class Pipe {
   [[nodiscard]] int readEnd() const { return ends_[0]; }
   [[nodiscard]] int writeEnd() const { return ends_[1]; }
 
-  /// Returns when all is written: what is more than a pipe holds must be read meanwhile.
+  /// Returns when everything is written. Another thread must read what the pipe cannot hold.
   void write(std::string_view bytes) const {
     while (!bytes.empty()) {
       const ssize_t written = ::write(ends_[1], bytes.data(), bytes.size());
-      if (written <= 0) throw std::runtime_error("can't write to the pipe");
+      if (written <= 0) throw std::runtime_error("cannot write to the pipe");
       bytes.remove_prefix(static_cast<std::size_t>(written));
     }
   }
@@ -47,8 +47,8 @@ class Pipe {
   std::array<int, 2> ends_{-1, -1};
 };
 
-/// A thread that writes the pieces, with a pause between them, and then closes the write end.
-/// To be joined while the pipe is still there.
+/// A thread that writes the pieces, with a pause between them, and then closes the write end. Join
+/// it before the pipe is destroyed.
 inline std::thread writeInPieces(Pipe& pipe, const std::vector<std::string>& pieces) {
   return std::thread([&pipe, pieces] {
     for (const std::string& piece : pieces) {

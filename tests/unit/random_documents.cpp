@@ -9,17 +9,17 @@ std::string RandomDocuments::next(std::size_t size) {
   text_.clear();
   left_ = below(size) + 1;
   if (oneIn(20)) text_ += "\xEF\xBB\xBF";
-  blanks();
+  whiteSpace();
   container(1);
-  blanks();
+  whiteSpace();
   return text_;
 }
 
-std::string RandomDocuments::mutant(std::string document) {
-  static constexpr std::string_view telling =
+std::string RandomDocuments::changed(std::string document) {
+  static constexpr std::string_view structural =
       "{}[]:,\"\\/ \t\n\r0123456789+-.eEutrfalsn\x80\xC3\xED";
   const std::size_t place = below(document.size());
-  const char byte = oneIn(4) ? static_cast<char>(below(256)) : telling[below(telling.size())];
+  const char byte = oneIn(4) ? static_cast<char>(below(256)) : structural[below(structural.size())];
   switch (below(3)) {
     case 0: document[place] = byte; break;
     case 1: document.erase(place, 1); break;
@@ -31,7 +31,7 @@ std::string RandomDocuments::mutant(std::string document) {
 void RandomDocuments::value(std::size_t depth) {
   static constexpr std::array<std::string_view, 3> literals{"true", "false", "null"};
   if (left_ > 0) --left_;
-  blanks();
+  whiteSpace();
   switch (below(8)) {
     case 0:
     case 1: depth < json::deepestNesting ? container(depth + 1) : number(); break;
@@ -42,23 +42,23 @@ void RandomDocuments::value(std::size_t depth) {
     case 6: number(); break;
     default: text_ += literals[below(literals.size())];
   }
-  blanks();
+  whiteSpace();
 }
 
 void RandomDocuments::container(std::size_t depth) {
-  if (depth == 1 && oneIn(50)) return well();
+  if (depth == 1 && oneIn(50)) return deepContainers();
   return oneIn(2) ? object(depth) : array(depth);
 }
 
 void RandomDocuments::object(std::size_t depth) {
   text_ += '{';
-  blanks();
+  whiteSpace();
   const std::size_t first = text_.size();
   for (std::size_t members = below(6); members > 0 && left_ > 0; --members) {
     if (text_.size() > first) text_ += ',';
-    blanks();
+    whiteSpace();
     name();
-    blanks();
+    whiteSpace();
     text_ += ':';
     value(depth);
   }
@@ -67,7 +67,7 @@ void RandomDocuments::object(std::size_t depth) {
 
 void RandomDocuments::array(std::size_t depth) {
   text_ += '[';
-  blanks();
+  whiteSpace();
   bool first = true;
   for (std::size_t elements = below(6); elements > 0 && left_ > 0; --elements) {
     if (!first) text_ += ',';
@@ -77,8 +77,8 @@ void RandomDocuments::array(std::size_t depth) {
   text_ += ']';
 }
 
-/// Containers inside one another, up to the deepest that may be.
-void RandomDocuments::well() {
+/// Containers inside each other, up to the deepest allowed.
+void RandomDocuments::deepContainers() {
   const std::size_t depth = oneIn(3) ? json::deepestNesting : 1 + below(json::deepestNesting);
   std::string ends;
   for (std::size_t level = 1; level < depth; ++level) {
@@ -136,7 +136,7 @@ void RandomDocuments::character() {
     case 3: text_ += escapes[below(escapes.size())]; break;
     case 4: unicodeEscape(unit & 0x7FU); break;
     case 5: unicodeEscape(unit); break;
-    case 6:  // a pair of surrogates, or nearly
+    case 6:  // a pair of surrogates, or half of one
       unicodeEscape(0xD800 | (unit & 0x3FFU));
       if (!oneIn(8)) unicodeEscape(0xDC00 | unit >> 6U);
       break;
@@ -154,38 +154,38 @@ void RandomDocuments::unicodeEscape(unsigned unit) {
 }
 
 void RandomDocuments::number() {
-  static constexpr std::array<std::string_view, 24> odd{"0",
-                                                        "-0",
-                                                        "0.0",
-                                                        "-0.0",
-                                                        "0e0",
-                                                        "-0E-0",
-                                                        "1.0",
-                                                        "1.50",
-                                                        "1e5",
-                                                        "1E5",
-                                                        "1e+05",
-                                                        "1E-07",
-                                                        "0.1e1",
-                                                        "1e308",
-                                                        "1e-400",
-                                                        "-1.7976931348623157e308",
-                                                        "9007199254740993",
-                                                        "9223372036854775807",
-                                                        "9223372036854775808",
-                                                        "-9223372036854775808",
-                                                        "-9223372036854775809",
-                                                        "18446744073709551616",
-                                                        "123456789012345678901234567890",
-                                                        "0.1000000000000000055511151231257827"};
+  static constexpr std::array<std::string_view, 24> unusual{"0",
+                                                            "-0",
+                                                            "0.0",
+                                                            "-0.0",
+                                                            "0e0",
+                                                            "-0E-0",
+                                                            "1.0",
+                                                            "1.50",
+                                                            "1e5",
+                                                            "1E5",
+                                                            "1e+05",
+                                                            "1E-07",
+                                                            "0.1e1",
+                                                            "1e308",
+                                                            "1e-400",
+                                                            "-1.7976931348623157e308",
+                                                            "9007199254740993",
+                                                            "9223372036854775807",
+                                                            "9223372036854775808",
+                                                            "-9223372036854775808",
+                                                            "-9223372036854775809",
+                                                            "18446744073709551616",
+                                                            "123456789012345678901234567890",
+                                                            "0.1000000000000000055511151231257827"};
   if (oneIn(2)) {
-    text_ += odd[below(odd.size())];
+    text_ += unusual[below(unusual.size())];
   } else {
     text_ += std::to_string(static_cast<std::int64_t>(random_()) >> below(64));
   }
 }
 
-void RandomDocuments::blanks() {
+void RandomDocuments::whiteSpace() {
   static constexpr std::string_view white = " \t\n\r";
   if (!oneIn(6)) return;
   for (std::size_t count = below(4); count > 0; --count) text_ += white[below(white.size())];

@@ -6,7 +6,7 @@
 
 namespace json {
 
-/// What a reader makes of a text that comes in one piece.
+/// The state of a reader after it has read the whole text.
 inline Reader::State state(std::string_view text) {
   Reader reader;
   return reader.read(text);

@@ -6,36 +6,35 @@
 
 #include <nlohmann/json.hpp>
 
-/// Another JSON library's opinion, made fit for comparison with ours.
+/// Another JSON library, used to check ours.
 ///
-/// That library refuses the escape of an unpaired surrogate, which we let through. So it is
-/// given the text with U+E000 to U+E7FF in the place of U+D800 to U+DFFF; in the order of
-/// characters nothing else lies between these, so names sort as before.
+/// That library rejects the escape of an unpaired surrogate, which ours accepts. So it gets the
+/// text with U+E000 to U+E7FF in place of U+D800 to U+DFFF. No other code points lie between these,
+/// so names sort as before.
 namespace reference {
 
-enum class Verdict : std::uint8_t {
-  wellFormed,
-  malformed,
-  none  ///< a number is too big for that library, which says nothing of the rest
+enum class Validity : std::uint8_t {
+  valid,
+  invalid,
+  unknown  ///< the library stops at a number that is too big for it
 };
 
-/// Whether this is a message by our rules: an object or array on the top, at most 512 levels.
-Verdict verdict(std::string_view text);
+/// Whether the text is a message by our rules: an object or array with at most 512 levels.
+Validity validity(std::string_view text);
 
-/// Whether no character of the text is one of those that stand for surrogates here. If one is,
-/// names may seem to be the same, and literal() spells it as an escape.
-bool isTellable(std::string_view text);
+/// Whether the text contains none of the characters that replace surrogates here. Otherwise
+/// different names may seem the same, and literal() writes the character as an escape.
+bool isUnambiguous(std::string_view text);
 
-/// The values of a well-formed message. A string is "s" and its characters, a number "n" and
-/// its spelling, so that two trees are equal just when the messages mean the same and have the
-/// same numbers to the letter.
+/// The values of a valid message. A string is "s" and its characters, a number is "n" and its text.
+/// So two trees are equal exactly if the messages mean the same and write each number alike.
 nlohmann::json tree(std::string_view text);
 
-/// How a tree must look: on one line with names sorted, and as pretty text.
+/// The expected text of a tree: compact with names sorted, and pretty.
 std::string compact(const nlohmann::json& tree);
 std::string pretty(const nlohmann::json& tree);
 
-/// How a string must look as a literal.
+/// The expected string literal.
 std::string literal(const std::string& characters);
 
 }  // namespace reference

@@ -5,7 +5,7 @@
 
 #include "bridge/exchange.h"
 
-/// A reply of the application that came in as these bytes, at once.
+/// A reply of the application that consists of these bytes.
 inline bridge::Reply replyOf(std::string_view bytes) {
   bridge::Reply reply;
   std::ranges::copy(bytes, reply.room(bytes.size()));
@@ -13,7 +13,7 @@ inline bridge::Reply replyOf(std::string_view bytes) {
   return reply;
 }
 
-/// The outcome of an exchange that brought these bytes.
-inline bridge::Outcome answered(std::string_view bytes) {
-  return {.ended = true, .reply = replyOf(bytes)};
+/// The outcome of an exchange with this reply.
+inline bridge::Outcome outcomeWith(std::string_view reply) {
+  return {.ended = true, .reply = replyOf(reply)};
 }

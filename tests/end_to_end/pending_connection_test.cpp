@@ -16,12 +16,12 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A listener whose queue is full, so that further connections are neither refused nor
-// established, until makeRoom().
+// A listener whose queue is full, so that further connections are neither refused nor accepted
+// until acceptFor().
 class FullListener {
  public:
   FullListener() {
-    while (fillOnePlace()) {
+    while (fill()) {
     }
   }
 
@@ -34,23 +34,22 @@ class FullListener {
 
   int port() const { return listener_.port(); }
 
-  // Takes the waiting connections, and whatever comes after them, for that long; returns the
-  // bytes that came on them.
-  std::string makeRoom(std::chrono::milliseconds time) {
+  // Accepts all connections for that long and returns the bytes received from them.
+  std::string acceptFor(std::chrono::milliseconds time) {
     for (const int filler : fillers_) ::close(filler);
     fillers_.clear();
-    std::string heard;
+    std::string received;
     const auto end = std::chrono::steady_clock::now() + time;
     while (std::chrono::steady_clock::now() < end) {
       pollfd wanted{.fd = listener_.socket(), .events = POLLIN, .revents = 0};
-      if (::poll(&wanted, 1, 100) > 0) heard += takeOne();
+      if (::poll(&wanted, 1, 100) > 0) received += receiveFromOne();
     }
-    return heard;
+    return received;
   }
 
  private:
-  // False when there is no place left.
-  bool fillOnePlace() {
+  // False if the queue is full.
+  bool fill() {
     const int filler = ::socket(AF_INET, SOCK_STREAM, 0);
     if (filler < 0) throw std::runtime_error("no socket");
     fillers_.push_back(filler);
@@ -63,31 +62,32 @@ class FullListener {
     return ::poll(&wanted, 1, 300) > 0;
   }
 
-  std::string takeOne() const {
-    const int taken = listener_.accept();
+  std::string receiveFromOne() const {
+    const int connection = listener_.accept();
     std::array<char, 4096> block{};
-    pollfd wanted{.fd = taken, .events = POLLIN, .revents = 0};
-    const ssize_t got = ::poll(&wanted, 1, 500) > 0 ? ::read(taken, block.data(), block.size()) : 0;
-    ::close(taken);
-    return {block.data(), static_cast<std::size_t>(got > 0 ? got : 0)};
+    pollfd wanted{.fd = connection, .events = POLLIN, .revents = 0};
+    const ssize_t count =
+        ::poll(&wanted, 1, 500) > 0 ? ::read(connection, block.data(), block.size()) : 0;
+    ::close(connection);
+    return {block.data(), static_cast<std::size_t>(count > 0 ? count : 0)};
   }
 
   LoopbackListener listener_{0};
   std::vector<int> fillers_;
 };
 
-class Unestablished : public LaunchConversation {};
+class PendingConnection : public LaunchConversation {};
 
-TEST_F(Unestablished, ConnectionIsWaitedForUntilTheDeadlineAndNeverUsedLater) {
+TEST_F(PendingConnection, IsGivenUpAtTheLimitAndNotUsedLater) {
   FullListener full;
   endpointFile.publish(full.port());
   launches.script({.publish = EndpointFile::text(app.port())});
   const auto start = Clock::now();
   EXPECT_EQ(callTool("x").size(), 1U);
   const Seconds took = launches.startOf(0) - start;
-  EXPECT_GE(took, Seconds(3));
-  EXPECT_LT(took, Seconds(5));
-  EXPECT_EQ(full.makeRoom(10s), "") << "a request that its caller has given up";
+  EXPECT_GE(took, probeLimit);
+  EXPECT_LT(took, probeLimit + lateness);
+  EXPECT_EQ(full.acceptFor(10s), "") << "the probe was sent after its limit";
 }
 
 }  // namespace
