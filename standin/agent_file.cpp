@@ -2,13 +2,13 @@
 
 #include <cerrno>
 #include <fstream>
+#include <iterator>
 #include <random>
 #include <system_error>
 
 #include <nlohmann/json.hpp>
 
 #include "standin/dispatch.h"
-#include "standin/file_content.h"
 
 namespace fs = std::filesystem;
 
@@ -35,9 +35,11 @@ AgentFile::AgentFile(const fs::path& home, std::uint16_t port, std::string_view 
   fs::rename(unfinished, path_);
 }
 
-AgentFile::~AgentFile() try {
-  if (readContent(path_, content_.size()) == content_) fs::remove(path_);
-} catch (const std::exception&) {  // somebody has removed it
+AgentFile::~AgentFile() {
+  std::ifstream in(path_);
+  const std::string current{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  std::error_code ignored;
+  if (current == content_) fs::remove(path_, ignored);
 }
 
 }  // namespace standin

@@ -33,12 +33,10 @@ void checkType(const Parameter& parameter, const json& value) {
 
 void refuseUnknown(std::string_view tool, const std::vector<Parameter>& parameters,
                    const json& given) {
-  std::vector<std::string> names;
-  for (const Parameter& parameter : parameters) names.push_back(parameter.name);
   for (const auto& [name, value] : given.items()) {
-    if (std::ranges::find(names, name) != names.end()) continue;
+    if (std::ranges::find(parameters, name, &Parameter::name) != parameters.end()) continue;
     throw Refusal("There is no argument " + inQuotes(name) + "; " + std::string(tool) + " takes " +
-                  (names.empty() ? "none" : listInQuotes(names)) + ".");
+                  (parameters.empty() ? "none" : listInQuotes(parameters, &Parameter::name)) + ".");
   }
 }
 

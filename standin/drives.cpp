@@ -57,22 +57,17 @@ void Drives::add(const fs::path& folder, bool writable) {
   drives_.push_back({.name = name, .root = root, .writable = writable});
 }
 
-std::vector<std::string> Drives::names() const {
-  std::vector<std::string> names;
-  for (const Drive& drive : drives_) names.push_back(drive.name);
-  return names;
-}
-
 const Drive& Drives::named(std::string_view name) const {
   const auto found = std::ranges::find(drives_, name, &Drive::name);
   if (found != drives_.end()) return *found;
-  throw Refusal("There is no drive " + inQuotes(name) + "; connected are " + listInQuotes(names()) +
-                ".");
+  throw Refusal("There is no drive " + inQuotes(name) + "; connected are " +
+                listInQuotes(drives_, &Drive::name) + ".");
 }
 
 std::vector<const Drive*> Drives::chosen(std::string_view name) const {
   if (!name.empty()) return {&named(name)};
   std::vector<const Drive*> all;
+  all.reserve(drives_.size());
   for (const Drive& drive : drives_) all.push_back(&drive);
   return all;
 }

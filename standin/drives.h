@@ -36,7 +36,6 @@ class Drives {
   void add(const std::filesystem::path& folder, bool writable);
 
   const std::deque<Drive>& all() const { return drives_; }
-  std::vector<std::string> names() const;
 
   /// The drive of exactly this name; throws Refusal if there is none.
   const Drive& named(std::string_view name) const;

@@ -41,7 +41,7 @@ void serve(const std::filesystem::path& home, standin::Drives& drives, bool writ
     return reply;
   });
   const standin::AgentFile file(home, listener.port(), token);
-  std::cout << "Serving " << standin::listInQuotes(drives.names())
+  std::cout << "Serving " << standin::listInQuotes(drives.all(), &standin::Drive::name)
             << (writable ? " for reading and writing." : " for reading only.")
             << " Waiting for calls; Ctrl-C ends this.\n"
             << std::flush;

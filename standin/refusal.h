@@ -3,7 +3,6 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace standin {
 
@@ -19,10 +18,11 @@ inline std::string inQuotes(std::string_view text) {
   return '"' + std::string(text.substr(0, longest)) + (text.size() > longest ? "...\"" : "\"");
 }
 
-/// Every name in quotation marks, with commas between them.
-inline std::string listInQuotes(const std::vector<std::string>& names) {
+/// The name of every item in quotation marks, with commas between them.
+template <typename Items, typename Name>
+std::string listInQuotes(const Items& items, Name name) {
   std::string list;
-  for (const std::string& name : names) list += (list.empty() ? "" : ", ") + inQuotes(name);
+  for (const auto& item : items) list += (list.empty() ? "" : ", ") + inQuotes(item.*name);
   return list;
 }
 

@@ -25,7 +25,7 @@ std::vector<DuplicateGroup> duplicatesAmong(const std::vector<Entry>& files) {
   for (auto& [sizeAndName, copies] : alike) {
     if (copies.size() > 1) groups.push_back({.copies = std::move(copies)});
   }
-  std::ranges::stable_sort(groups, std::greater(), &DuplicateGroup::wasted);
+  std::ranges::sort(groups, std::greater(), &DuplicateGroup::wasted);
   return groups;
 }
 
@@ -58,8 +58,7 @@ json listed(const std::vector<DuplicateGroup>& groups, std::uint64_t limit) {
 }
 
 json largestFiles(std::vector<Entry> files, std::uint64_t limit) {
-  std::ranges::stable_sort(files, std::greater(),
-                           [](const Entry& file) { return file.facts.bytes; });
+  std::ranges::sort(files, std::greater(), [](const Entry& file) { return file.facts.bytes; });
   json list = json::array();
   for (const Entry& file : files) {
     if (list.size() >= limit) break;
@@ -81,8 +80,7 @@ json largestFolders(const std::vector<Entry>& files, std::uint64_t limit) {
     }
   }
   std::vector<std::pair<std::string, std::uint64_t>> folders(bytesBelow.begin(), bytesBelow.end());
-  std::ranges::stable_sort(folders, std::greater(),
-                           [](const auto& folder) { return folder.second; });
+  std::ranges::sort(folders, std::greater(), [](const auto& folder) { return folder.second; });
   json list = json::array();
   for (const auto& [path, bytes] : folders) {
     if (list.size() >= limit) break;

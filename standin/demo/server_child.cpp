@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <stdexcept>
 #include <system_error>
 
 extern char** environ;  // NOLINT(readability-redundant-declaration): not every system's headers do
@@ -59,10 +60,10 @@ void ServerChild::send(std::string_view line) {
   std::fflush(input_);
 }
 
-std::optional<std::string> ServerChild::receive() {
+std::string ServerChild::receive() {
   std::string line;
   for (int byte = std::getc(output_); byte != '\n'; byte = std::getc(output_)) {
-    if (byte == EOF) return std::nullopt;
+    if (byte == EOF) throw std::runtime_error("the server has closed its output");
     line += static_cast<char>(byte);
   }
   return line;

@@ -3,7 +3,6 @@
 #include <sys/types.h>
 
 #include <cstdio>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,8 +20,8 @@ class ServerChild {
   ServerChild& operator=(const ServerChild&) = delete;
 
   void send(std::string_view line);
-  /// The next line of the server's output; none if it has closed it.
-  std::optional<std::string> receive();
+  /// The next line of the server's output. Throws std::runtime_error if it has closed it.
+  std::string receive();
   /// Closes the server's input and returns its exit status, or -1 if a signal ended it.
   int finish();
 

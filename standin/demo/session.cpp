@@ -59,9 +59,7 @@ std::string Session::next(std::string_view method, const Params& params) {
 
 json Session::resultOf(const std::string& message) {
   server_.send(message);
-  auto reply = server_.receive();
-  expect(reply.has_value(), "the server has closed its output");
-  reply_ = std::move(*reply);
+  reply_ = server_.receive();
   const json object = json::parse(reply_);
   expect(object.at("id") == id_ && object.contains("result"), reply_);
   return object.at("result");

@@ -121,8 +121,9 @@ void changePlan(Stage& stage) {
   stage.show.prose("The agent reads the plan, and then tries the change with dry_run.");
   const json read = stage.host.call("read_file", plan);
   stage.host.call("write_file", newPlan(eastQuay, true));
-  expect(standin::readContent(stage.folder / planFile, 1000) == read.at("content"),
-         "the dry run changed the plan");
+  expect(
+      standin::readContent(stage.folder / planFile, 1000) == read.at("content").get<std::string>(),
+      "the dry run changed the plan");
   stage.show.prose("Nothing has been changed so far. The user agrees, so the agent does it:");
   const json done = stage.host.call("write_file", newPlan(eastQuay, false));
   expect(fs::exists(stage.folder / "Studio" / done.at("kept_for_undo").get<std::string>()),
@@ -144,7 +145,8 @@ void changeTheSameFile(Stage& stage) {
 
 void writeOnReadOnlyDrive(Stage& stage) {
   stage.show.chapter("\"Put a copy of the plan into the archive.\"");
-  Params arguments{{"from_drive", "Studio"}, {"path", plan.at("path")}, {"to_drive", "Archive"}};
+  const Params arguments{
+      {"from_drive", "Studio"}, {"path", plan.at("path")}, {"to_drive", "Archive"}};
   const std::string refusal = stage.host.refusedCall("transfer_file", arguments);
   expect(refusal.contains("may only be read"), refusal);
   stage.show.prose("Quillmark decides what agents may do. The server passes its answer on.");
@@ -181,14 +183,14 @@ void lookBack(Transcript& show) {
 
 }  // namespace
 
-void tellStory(const std::string& server, const fs::path& folder, Transcript& show) {
+void tellStory(const std::string& server, const fs::path& folder, Transcript& transcript) {
   fs::create_directory(folder / "home");
   prepareDrives(folder);
   for (const char* home : {"HOME", "CFFIXED_USER_HOME"}) {
     ::setenv(home, (folder / "home").c_str(), 1);
   }
-  introduce(show);
-  Stage stage{.folder = folder, .show = show, .host = Session(server, show)};
+  introduce(transcript);
+  Stage stage{.folder = folder, .show = transcript, .host = Session(server, transcript)};
   startServer(stage);
   listTools(stage);
   if (::access("/usr/bin/open", X_OK) != 0) callWithoutApplication(stage);
@@ -197,7 +199,7 @@ void tellStory(const std::string& server, const fs::path& folder, Transcript& sh
                         findWaste, endSession}) {
     chapter(stage);
   }
-  lookBack(show);
+  lookBack(transcript);
 }
 
 }  // namespace demo

@@ -118,7 +118,7 @@ void Transcript::lines(std::string_view beginning, std::string_view text, Style 
 
 void Transcript::endBlock() {
   errno = 0;
-  out_ << std::endl;
+  out_ << '\n' << std::flush;
   if (!out_) throw std::system_error(errno, std::generic_category(), "can't write the output");
 }
 

@@ -16,10 +16,12 @@ class Drives : public testing::Test {
     fs::create_directories(place_.folder() / path);
     return place_.folder() / path;
   }
-  static std::vector<std::string> namesFor(const std::vector<fs::path>& folders) {
+  static Names namesFor(const std::vector<fs::path>& folders) {
     standin::Drives drives;
     for (const fs::path& folder : folders) drives.add(folder, true);
-    return drives.names();
+    Names names;
+    for (const standin::Drive& drive : drives.all()) names.push_back(drive.name);
+    return names;
   }
 
   TemporaryHome place_;
