@@ -35,12 +35,15 @@ void prepareDrives(const fs::path& folder) {
 }
 
 Application::Application(const fs::path& home, const fs::path& folder)
-    : token_(standin::newToken()),
+    : drives_(folder),
+      token_(standin::newToken()),
       dispatch_(drives_, token_),
       listener_([this](std::string_view request) { return answer(request); }),
-      agentFile_(home, listener_.port(), token_) {
-  drives_.add(folder / "Studio", true);
-  drives_.add(folder / "Archive", false);
+      agentFile_(home, listener_.port(), token_) {}
+
+Application::TwoDrives::TwoDrives(const fs::path& folder) {
+  add(folder / "Studio", true);
+  add(folder / "Archive", false);
 }
 
 std::string Application::answer(std::string_view request) {

@@ -33,9 +33,12 @@ class Application {
   std::vector<Exchange> takeExchanges();
 
  private:
+  struct TwoDrives : standin::Drives {
+    explicit TwoDrives(const std::filesystem::path& folder);
+  };
   std::string answer(std::string_view request);
 
-  standin::Drives drives_;
+  TwoDrives drives_;
   std::string token_;
   standin::Dispatch dispatch_;
   std::mutex mutex_;

@@ -33,7 +33,6 @@ std::array<int, 2> makePipe() {
 ServerChild::ServerChild(std::string program) {
   const auto [childInput, input] = makePipe();
   const auto [output, childOutput] = makePipe();
-  std::signal(SIGPIPE, SIG_IGN);  // a server that has ended shows at its output
   input_ = ::fdopen(input, "w");
   output_ = ::fdopen(output, "r");
   posix_spawn_file_actions_t actions{};
@@ -47,6 +46,7 @@ ServerChild::ServerChild(std::string program) {
   ::close(childInput);
   ::close(childOutput);
   check(error, program);
+  std::signal(SIGPIPE, SIG_IGN);  // if the server ends early, receive() notices
 }
 
 ServerChild::~ServerChild() {

@@ -15,6 +15,7 @@ namespace fs = std::filesystem;
 namespace demo {
 namespace {
 
+// Who takes part: the host, whose session shows itself, and the application, once it runs.
 struct Stage {
   fs::path folder;
   Transcript& show;
@@ -33,18 +34,6 @@ Params newPlan(const char* text, bool dryRun) {
 }
 
 constexpr const char* eastQuay = "# Harbour plan\n\nStart with the east quay.\n";
-
-void introduce(Transcript& show) {
-  show.title("An AI agent works with two cloud drives");
-  show.prose(
-      "An AI agent runs inside a program, its host. The host starts quillmark-mcp and sends it "
-      "one line of JSON for each request. quillmark-mcp passes the agent's calls on to Quillmark, "
-      "the desktop application that has the drives.");
-  show.prose("host  <- pipes ->  quillmark-mcp  <- TCP ->  Quillmark");
-  show.prose(
-      "Here quillmark-mcp is the real program. The host is this demo, and a stand-in takes the "
-      "place of Quillmark: it serves two prepared folders as the drives Studio and Archive.");
-}
 
 void startServer(Stage& stage) {
   stage.show.chapter("The host starts the server");
@@ -72,23 +61,24 @@ void listTools(Stage& stage) {
   stage.show.list(entries);
 }
 
-// Only where nothing can be started. On a Mac this would start the real application.
+// Only for systems without /usr/bin/open: elsewhere, this call would start the real application.
 void callWithoutApplication(Stage& stage) {
   stage.show.chapter("Quillmark is not running yet");
   stage.show.prose(
-      "The user asks: \"Where is my harbour plan?\" The agent calls a tool (->) and gets its "
-      "result "
+      "The user asks: \"Where is my harbour plan?\" The agent calls a tool (->) and gets a result "
       "(<-). On a Mac the server would now start Quillmark with the system's open tool. This "
       "computer has no such tool, so the call fails:");
   const std::string message = stage.host.refusedCall("search_drives", {{"query", "harbour"}});
   expect(message.starts_with("Quillmark could not be started."), message);
 }
 
-void followOneCall(Stage& stage) {
+void followOneCall(Stage& stage, bool secondAttempt) {
   stage.application.emplace(stage.folder / "home", stage.folder);
   stage.show.chapter("One call, from the host to Quillmark and back");
-  stage.show.prose(
-      "The user opens Quillmark, and the agent calls its tool. The server needs no restart.");
+  stage.show.prose(secondAttempt
+                       ? "The user opens Quillmark, and the agent tries again. The server needs no "
+                         "restart."
+                       : "The user asks: \"Where is my harbour plan?\" The agent calls a tool.");
   const json result = stage.host.request(
       "tools/call", {{"name", "search_drives"}, {"arguments", {{"query", "harbour"}}}});
   const auto exchanges = stage.application->takeExchanges();
@@ -169,37 +159,24 @@ void endSession(Stage& stage) {
   stage.show.prose("It closed the server's input, and the server ended with exit status 0.");
 }
 
-void lookBack(Transcript& show) {
-  show.title("What you have seen");
-  show.prose(
-      "quillmark-mcp passed every call on as it was, and every answer back. It found Quillmark by "
-      "itself, needed no settings and left nothing behind. The drives, the permissions and the "
-      "undo copies are Quillmark's.");
-  show.title("What to try next");
-  show.list({{"scripts/demo FOLDER...", "let your own agent read your own folders"},
-             {"scripts/test", "build everything and run all tests"},
-             {"README.md", "how to install the server for your agent's host"}});
-}
-
 }  // namespace
 
-void tellStory(const std::string& server, const fs::path& folder, Transcript& transcript) {
+void showSession(const std::string& server, const fs::path& folder, Transcript& transcript) {
   fs::create_directory(folder / "home");
   prepareDrives(folder);
   for (const char* home : {"HOME", "CFFIXED_USER_HOME"}) {
     ::setenv(home, (folder / "home").c_str(), 1);
   }
-  introduce(transcript);
   Stage stage{.folder = folder, .show = transcript, .host = Session(server, transcript)};
   startServer(stage);
   listTools(stage);
-  if (::access("/usr/bin/open", X_OK) != 0) callWithoutApplication(stage);
-  followOneCall(stage);
+  const bool startsApplications = ::access("/usr/bin/open", X_OK) == 0;
+  if (!startsApplications) callWithoutApplication(stage);
+  followOneCall(stage, !startsApplications);
   for (auto* chapter : {showPermissions, changePlan, changeTheSameFile, writeOnReadOnlyDrive,
                         findWaste, endSession}) {
     chapter(stage);
   }
-  lookBack(transcript);
 }
 
 }  // namespace demo

@@ -7,9 +7,10 @@
 
 namespace demo {
 
-/// Tells the story of one session with this server, and shows it in the transcript. The folder is
-/// empty at first and takes what the story needs. Throws if anything is not as the story says.
-void tellStory(const std::string& server, const std::filesystem::path& folder,
-               Transcript& transcript);
+/// Holds one session with this server and shows it in the transcript, chapter by chapter. What it
+/// needs, it makes in the folder, which is empty at first. Throws std::exception if the server or
+/// the application does anything else than the story says.
+void showSession(const std::string& server, const std::filesystem::path& folder,
+                 Transcript& transcript);
 
 }  // namespace demo

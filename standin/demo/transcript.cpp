@@ -74,8 +74,8 @@ void Transcript::refusal(std::string_view sentence) {
   endBlock();
 }
 
-// First the simple members in one paragraph, then each list and object by itself. The beginning
-// stands before the first line only.
+// First the simple members in one paragraph, then each list of objects. The beginning stands before
+// the first line only.
 void Transcript::outline(const json& object, std::string beginning) {
   const std::string indent(beginning.size(), ' ');
   const auto print = [&](const std::string& text) {
