@@ -52,7 +52,7 @@ TEST(Listener, RequestOfManyMegabytesArrivesWhole) {
 }
 
 TEST(Listener, ReplyOfFourMebibytesArrivesWhole) {
-  std::string reply = "\"" + std::string(4194302, 'q') + "\"";
+  std::string reply = "[\"" + std::string(4194300, 'q') + "\"]";
   const Listener listener([&](std::string_view) { return reply; });
   LoopbackClient client(listener.port());
   client.send("{}");

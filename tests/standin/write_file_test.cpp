@@ -137,8 +137,8 @@ TEST_F(WriteFile, ReplacesNothingIfTheUndoFolderIsALink) {
   EXPECT_TRUE(fs::is_empty(outside("elsewhere")));
 }
 
-TEST_F(WriteFile, WritesManyMegabytes) {
-  const std::string text(20'000'000, 'q');
+TEST_F(WriteFile, WritesMoreThanAReplyCanHold) {
+  const std::string text(standin::maxReplyBytes + 1, 'q');
   EXPECT_EQ(written("large.txt", text).at("bytes"), text.size());
   EXPECT_EQ(fs::file_size(alpha("large.txt")), text.size());
 }
