@@ -46,11 +46,12 @@ Arguments::Arguments(std::string_view tool, const std::vector<Parameter>& parame
                      const json& given) {
   refuseUnknown(tool, parameters, given);
   for (const Parameter& parameter : parameters) {
-    json value = given.value(parameter.name, json());
-    if (value.is_null()) value = parameter.otherwise;
+    const auto found = given.find(parameter.name);
+    const bool leftOut = found == given.end() || found->is_null();
+    const json& value = leftOut ? parameter.otherwise : *found;
     if (value.is_null()) throw Refusal("The argument " + inQuotes(parameter.name) + " is missing.");
     checkType(parameter, value);
-    values_[parameter.name] = std::move(value);
+    values_[parameter.name] = value;
   }
 }
 

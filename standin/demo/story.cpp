@@ -23,8 +23,8 @@ struct Stage {
   std::optional<Application> application = std::nullopt;
 };
 
-constexpr const char* planFile = "Studio/Plans/Harbour plan.md";
-const Params plan{{"drive", "Studio"}, {"path", "Plans/Harbour plan.md"}};
+const std::string planPath = "Plans/Harbour plan.md";
+const Params plan{{"drive", "Studio"}, {"path", planPath}};
 
 Params newPlan(const char* text, bool dryRun) {
   Params arguments = plan;
@@ -93,7 +93,7 @@ void followOneCall(Stage& stage, bool secondAttempt) {
   stage.show.prose("What the agent gets is the same result. Here it is as an outline:");
   const json found = json::parse(textOf(result, false));
   stage.show.result(found);
-  expect(found.at("results").at(0).at("path") == plan.at("path"), found.dump());
+  expect(found.at("results").at(0).at("path") == planPath, found.dump());
 }
 
 void showPermissions(Stage& stage) {
@@ -111,9 +111,9 @@ void changePlan(Stage& stage) {
   stage.show.prose("The agent reads the plan, and then tries the change with dry_run.");
   const json read = stage.host.call("read_file", plan);
   stage.host.call("write_file", newPlan(eastQuay, true));
-  expect(
-      standin::readContent(stage.folder / planFile, 1000) == read.at("content").get<std::string>(),
-      "the dry run changed the plan");
+  expect(standin::readContent(stage.folder / "Studio" / planPath, 1000) ==
+             read.at("content").get<std::string>(),
+         "the dry run changed the plan");
   stage.show.prose("Nothing has been changed so far. The user agrees, so the agent does it:");
   const json done = stage.host.call("write_file", newPlan(eastQuay, false));
   expect(fs::exists(stage.folder / "Studio" / done.at("kept_for_undo").get<std::string>()),
@@ -123,7 +123,7 @@ void changePlan(Stage& stage) {
 
 void changeTheSameFile(Stage& stage) {
   stage.show.chapter("Meanwhile, somebody else works on the plan");
-  std::ofstream(stage.folder / planFile, std::ios::app) << "Ask Ines about the crane.\n";
+  std::ofstream(stage.folder / "Studio" / planPath, std::ios::app) << "Ask Ines about the crane.\n";
   stage.show.prose(
       "A colleague adds a line to the file. The agent doesn't know that and writes its own next "
       "version:");
@@ -135,8 +135,7 @@ void changeTheSameFile(Stage& stage) {
 
 void writeOnReadOnlyDrive(Stage& stage) {
   stage.show.chapter("\"Put a copy of the plan into the archive.\"");
-  const Params arguments{
-      {"from_drive", "Studio"}, {"path", plan.at("path")}, {"to_drive", "Archive"}};
+  const Params arguments{{"from_drive", "Studio"}, {"path", planPath}, {"to_drive", "Archive"}};
   const std::string refusal = stage.host.refusedCall("transfer_file", arguments);
   expect(refusal.contains("may only be read"), refusal);
   stage.show.prose("Quillmark decides what agents may do. The server passes its answer on.");

@@ -22,13 +22,12 @@ class StandinProgram : public testing::Test {
     return place_.home() / "Library/Application Support/Quillmark/agent.json";
   }
   json published() const { return json::parse(contentOf(agentFile())); }
-  json call(const std::string& tool, const json& arguments) {
-    LoopbackClient client(published().at("port").get<std::uint16_t>());
-    const json request{{"version", published().at("version")},
-                       {"token", published().at("token")},
-                       {"tool", tool},
-                       {"arguments", arguments}};
-    client.send(request.dump());
+  // The arguments are JSON text.
+  json call(const std::string& tool, const std::string& arguments) {
+    const json endpoint = published();
+    LoopbackClient client(endpoint.at("port").get<std::uint16_t>());
+    client.send(R"({"version":1,"token":)" + endpoint.at("token").dump() + R"(,"tool":")" + tool +
+                R"(","arguments":)" + arguments + "}");
     return json::parse(client.receiveReply());
   }
 
@@ -40,8 +39,7 @@ TEST_F(StandinProgram, PrintsOneLineAsSoonAsItAnswers) {
   StandinProcess program({home(), drive()});
   EXPECT_EQ(program.readLine(),
             "Serving \"Docs\" for reading and writing. Waiting for calls; Ctrl-C ends this.");
-  EXPECT_EQ(call("write_file", {{"drive", "Docs"}, {"path", "a"}, {"content", "b"}}).at("ok"),
-            true);
+  EXPECT_EQ(call("write_file", R"({"drive":"Docs","path":"a","content":"b"})").at("ok"), true);
   EXPECT_EQ(contentOf(drive() / "a"), "b");
 }
 
@@ -49,7 +47,7 @@ TEST_F(StandinProgram, ReadOnlyWritesNothing) {
   StandinProcess program({"--read-only", home(), drive()});
   EXPECT_EQ(program.readLine(),
             "Serving \"Docs\" for reading only. Waiting for calls; Ctrl-C ends this.");
-  const json reply = call("write_file", {{"drive", "Docs"}, {"path", "a"}, {"content", "b"}});
+  const json reply = call("write_file", R"({"drive":"Docs","path":"a","content":"b"})");
   EXPECT_EQ(reply.at("ok"), false);
   EXPECT_TRUE(fs::is_empty(drive()));
 }
@@ -57,17 +55,25 @@ TEST_F(StandinProgram, ReadOnlyWritesNothing) {
 TEST_F(StandinProgram, PrintsEachCallAndHowItEndedButNotTheProbeBeforeIt) {
   StandinProcess program({home(), drive()});
   program.readLine();
-  for (const char* tool : {"drive_status", "search_drives", "drive_status", "drive_status"}) {
-    call(tool, tool == std::string_view("search_drives") ? json{{"query", ""}} : json::object());
-  }
-  EXPECT_EQ(program.readLine(), "search_drives {\"query\":\"\"}");
+  call("drive_status", "{}");
+  call("search_drives", R"({"query":""})");
+  call("drive_status", "{}");
+  call("drive_status", "{}");
+  EXPECT_EQ(program.readLine(), "search_drives  query: \"\"");
   EXPECT_EQ(program.readLine(), "  answered with 48 bytes");
-  EXPECT_EQ(program.readLine(), "drive_status {}");
+  EXPECT_EQ(program.readLine(), "drive_status  ");
   EXPECT_TRUE(program.readLine().starts_with("  answered with "));
-  call("drive_status", json::object());
-  call("read_file", {{"drive", "Docs"}, {"path", "\x1B[2J"}});
+  call("drive_status", "{}");
+  call("read_file", R"({"drive":"Docs","path":"\u001b[2J"})");
   program.readLine();
   EXPECT_EQ(program.readLine(), "  refused: There is no file \"?[2J\" on the drive \"Docs\".");
+}
+
+TEST_F(StandinProgram, PrintsDeeplyNestedArgumentsByTheirTypeOnly) {
+  StandinProcess program({home(), drive()});
+  program.readLine();
+  call("search_drives", R"({"query":)" + std::string(100000, '[') + std::string(100000, ']') + "}");
+  EXPECT_EQ(program.readLine(), "search_drives  query: array");
 }
 
 TEST_F(StandinProgram, EndsCleanlyOnEverySignalThatAsksItTo) {
