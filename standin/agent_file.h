@@ -5,30 +5,24 @@
 #include <string>
 #include <string_view>
 
-#include "standin/outcome.h"
-
 namespace standin {
 
-/// The small file by which the application tells the server how to reach it. It is there for
-/// as long as this object lives.
+/// An access token that cannot be guessed.
+std::string newToken();
+
+/// The endpoint file, in which the application publishes how the server reaches it. It exists as
+/// long as this object.
 class AgentFile {
  public:
-  /// Writes <home>/Library/Application Support/Quillmark/agent.json, readable by its owner
-  /// only, making the folders it takes. A reader sees the whole file or the one before it.
-  static Outcome<AgentFile> publish(const std::filesystem::path& home, std::uint16_t port,
-                                    std::string_view token);
-
-  AgentFile(AgentFile&& other) noexcept;
-  AgentFile& operator=(AgentFile&&) = delete;
-  /// Removes the file, unless another application has published its own there since.
+  /// Writes Library/Application Support/Quillmark/agent.json in the home folder, readable by its
+  /// owner only. Replaces a previous file in one step. Throws std::system_error.
+  AgentFile(const std::filesystem::path& home, std::uint16_t port, std::string_view token);
+  AgentFile(const AgentFile&) = delete;
+  AgentFile& operator=(const AgentFile&) = delete;
+  /// Removes the file, unless another application has replaced it.
   ~AgentFile();
 
-  const std::filesystem::path& path() const { return path_; }
-
  private:
-  AgentFile(std::filesystem::path path, std::string content)
-      : path_(std::move(path)), content_(std::move(content)) {}
-
   std::filesystem::path path_;
   std::string content_;
 };

@@ -1,84 +1,58 @@
 #include "standin/arguments.h"
 
-#include <limits>
+#include <algorithm>
+#include <cmath>
+
+#include "standin/refusal.h"
 
 using nlohmann::json;
 
 namespace standin {
 namespace {
 
-// The number, when it is a whole one of at least `least` that fits 63 bits.
-bool isWhole(const json& value, std::int64_t least) {
-  if (!value.is_number_integer()) return false;
-  constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-  if (value.is_number_unsigned() && value.get<std::uint64_t>() > most) return false;
-  return value.get<std::int64_t>() >= least;
+bool isWholeNumber(const json& value) {
+  if (value.is_number_integer())
+    return value.is_number_unsigned() || value.get<std::int64_t>() >= 0;
+  if (!value.is_number_float()) return false;
+  const auto number = value.get<double>();
+  return number >= 0 && number < 0x1p63 && number == std::floor(number);
 }
 
-// What is wrong with a value for this parameter, worded to follow "The argument ...", or an
-// empty text.
-std::string faultOf(const Parameter& parameter, const json& value, const Drives& drives) {
-  switch (parameter.kind) {
-    case Parameter::Kind::Text: return value.is_string() ? "" : "must be a string";
-    case Parameter::Kind::Flag: return value.is_boolean() ? "" : "must be true or false";
-    case Parameter::Kind::Count: return isWhole(value, 1) ? "" : "must be a whole number above 0";
-    case Parameter::Kind::Amount:
-      return isWhole(value, 0) ? "" : "must be 0 or a whole number above";
-    case Parameter::Kind::Drive: break;
+void checkType(const Parameter& parameter, const json& value) {
+  const auto require = [&](bool fits, const char* wanted) {
+    if (!fits)
+      throw Refusal("The argument " + inQuotes(parameter.name) + " must be " + wanted + ".");
+  };
+  switch (parameter.type) {
+    case Parameter::Type::Text: return require(value.is_string(), "a string");
+    case Parameter::Type::Number:
+      return require(isWholeNumber(value), "a whole number, 0 or above");
+    case Parameter::Type::Flag: return require(value.is_boolean(), "true or false");
   }
-  if (!value.is_string()) return "must be a string";
-  const auto& name = value.get_ref<const std::string&>();
-  if (drives.find(name) != nullptr) return "";
-  return "names no connected drive: " + inQuotes(name) + "; there are: " + drives.names();
+}
+
+void refuseUnknown(std::string_view tool, const std::vector<Parameter>& parameters,
+                   const json& given) {
+  for (const auto& [name, value] : given.items()) {
+    if (std::ranges::find(parameters, name, &Parameter::name) != parameters.end()) continue;
+    throw Refusal("There is no argument " + inQuotes(name) + "; " + std::string(tool) + " takes " +
+                  (parameters.empty() ? "none" : listInQuotes(parameters, &Parameter::name)) + ".");
+  }
 }
 
 }  // namespace
 
-Parameter text(std::string_view name) {
-  return {.name = name, .kind = Parameter::Kind::Text};
-}
-
-Parameter text(std::string_view name, std::string_view otherwise) {
-  return {.name = name, .kind = Parameter::Kind::Text, .otherwise = json(otherwise)};
-}
-
-Parameter drive(std::string_view name) {
-  return {.name = name, .kind = Parameter::Kind::Drive};
-}
-
-Parameter anyDrive(std::string_view name) {
-  return {.name = name, .kind = Parameter::Kind::Drive, .otherwise = json("")};
-}
-
-Parameter count(std::string_view name, std::int64_t otherwise) {
-  return {.name = name, .kind = Parameter::Kind::Count, .otherwise = json(otherwise)};
-}
-
-Parameter amount(std::string_view name, std::int64_t otherwise) {
-  return {.name = name, .kind = Parameter::Kind::Amount, .otherwise = json(otherwise)};
-}
-
-Parameter flag(std::string_view name) {
-  return {.name = name, .kind = Parameter::Kind::Flag, .otherwise = json(false)};
-}
-
-Outcome<Arguments> Arguments::check(const std::vector<Parameter>& parameters, const json& given,
-                                    const Drives& drives) {
-  Arguments checked;
+Arguments::Arguments(std::string_view tool, const std::vector<Parameter>& parameters,
+                     const json& given) {
+  refuseUnknown(tool, parameters, given);
   for (const Parameter& parameter : parameters) {
-    const std::string name(parameter.name);
-    const auto found = given.find(name);
-    if (found == given.end()) {
-      if (!parameter.otherwise) return refuse("The argument " + inQuotes(name) + " is missing.");
-      checked.values_[name] = *parameter.otherwise;
-      continue;
-    }
-    if (const std::string fault = faultOf(parameter, *found, drives); !fault.empty()) {
-      return refuse("The argument " + inQuotes(name) + " " + fault + ".");
-    }
-    checked.values_[name] = *found;
+    const auto found = given.find(parameter.name);
+    const bool leftOut = found == given.end() || found->is_null();
+    const json& value = leftOut ? parameter.otherwise : *found;
+    if (value.is_null()) throw Refusal("The argument " + inQuotes(parameter.name) + " is missing.");
+    checkType(parameter, value);
+    values_[parameter.name] = value;
   }
-  return checked;
 }
 
 const std::string& Arguments::text(const char* name) const {

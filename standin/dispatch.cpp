@@ -1,9 +1,10 @@
 #include "standin/dispatch.h"
 
-#include <exception>
-#include <functional>
-#include <map>
+#include <algorithm>
+#include <system_error>
+#include <vector>
 
+#include "standin/refusal.h"
 #include "standin/tools.h"
 
 using nlohmann::json;
@@ -11,48 +12,44 @@ using nlohmann::json;
 namespace standin {
 namespace {
 
-struct Offer {
+struct ToolEntry {
+  std::string name;
   std::vector<Parameter> parameters;
   Tool* run;
 };
 
-// What the agent was promised of each tool, defaults included.
-const std::map<std::string, Offer, std::less<>>& offers() {
-  static const std::map<std::string, Offer, std::less<>> table{
-      {"search_drives", {.parameters = {text("query"), count("limit", 50)}, .run = searchDrives}},
-      {"list_directory", {.parameters = {drive("drive"), text("path", "")}, .run = listDirectory}},
-      {"get_file_info", {.parameters = {drive("drive"), text("path")}, .run = getFileInfo}},
-      {"read_file",
-       {.parameters = {drive("drive"), text("path"), amount("max_bytes", 1048576)},
-        .run = readFile}},
+// The parameters and defaults are those that catalogue/tools.json announces to agents.
+const std::vector<ToolEntry>& tools() {
+  using enum Parameter::Type;
+  static const std::vector<ToolEntry> table{
+      {"search_drives", {{"query", Text}, {"limit", Number, 50}}, searchDrives},
+      {"list_directory", {{"drive", Text}, {"path", Text, ""}}, listDirectory},
+      {"get_file_info", {{"drive", Text}, {"path", Text}}, getFileInfo},
+      {"read_file", {{"drive", Text}, {"path", Text}, {"max_bytes", Number, 1048576}}, readFile},
       {"write_file",
-       {.parameters = {drive("drive"), text("path"), text("content"), flag("dry_run")},
-        .run = writeFile}},
+       {{"drive", Text}, {"path", Text}, {"content", Text}, {"dry_run", Flag, false}},
+       writeFile},
       {"find_duplicates",
-       {.parameters = {amount("minimum_bytes", 65536), count("limit", 25)}, .run = findDuplicates}},
-      {"storage_summary",
-       {.parameters = {anyDrive("drive"), count("limit", 10)}, .run = storageSummary}},
-      {"recent_changes",
-       {.parameters = {anyDrive("drive"), count("limit", 25)}, .run = recentChanges}},
+       {{"minimum_bytes", Number, 65536}, {"limit", Number, 25}},
+       findDuplicates},
+      {"storage_summary", {{"drive", Text, ""}, {"limit", Number, 10}}, storageSummary},
+      {"recent_changes", {{"drive", Text, ""}, {"limit", Number, 25}}, recentChanges},
       {"transfer_file",
-       {.parameters = {drive("from_drive"), text("path"), drive("to_drive"), text("to_folder", ""),
-                       flag("move"), flag("dry_run")},
-        .run = transferFile}},
+       {{"from_drive", Text},
+        {"path", Text},
+        {"to_drive", Text},
+        {"to_folder", Text, ""},
+        {"move", Flag, false},
+        {"dry_run", Flag, false}},
+       transferFile},
       {"propose_cleanup",
-       {.parameters = {amount("stale_after_days", 365), amount("minimum_bytes", 10485760)},
-        .run = proposeCleanup}},
-      {"drive_status", {.parameters = {}, .run = driveStatus}}};
+       {{"stale_after_days", Number, 365}, {"minimum_bytes", Number, 10485760}},
+       proposeCleanup},
+      {"drive_status", {}, driveStatus}};
   return table;
 }
 
-// A member of the request, or null when it is missing.
-const json& member(const json& request, const char* name) {
-  static const json none;
-  const auto found = request.find(name);
-  return found == request.end() ? none : *found;
-}
-
-// File names need not be UTF-8; a reply must be.
+// File names need not be UTF-8, but replies must be.
 std::string compact(const json& reply) {
   return reply.dump(-1, ' ', false, json::error_handler_t::replace);
 }
@@ -63,37 +60,40 @@ std::string refused(const std::string& sentence) {
 
 }  // namespace
 
-std::string Dispatch::answer(std::string_view request) const {
-  try {
-    auto result = carryOut(json::parse(request, nullptr, false));
-    if (!result) return refused(result.error().sentence);
-    std::string reply = compact({{"ok", true}, {"result", std::move(*result)}});
-    if (reply.size() <= mostReplyBytes) return reply;
-    return refused("The answer would be larger than the " + std::to_string(mostReplyBytes) +
-                   " bytes that fit into one reply; ask for less.");
-  } catch (const std::exception& failure) {
-    return refused(std::string("Quillmark could not finish this call: ") + failure.what() + ".");
-  }
+std::string Dispatch::answer(std::string_view request) const try {
+  std::string reply =
+      compact({{"ok", true}, {"result", run(json::parse(request, nullptr, false))}});
+  if (reply.size() <= maxReplyBytes) return reply;
+  return refused("The answer is longer than a reply may be (" + std::to_string(maxReplyBytes) +
+                 " bytes); ask for less.");
+} catch (const Refusal& refusal) {
+  return refused(refusal.what());
+} catch (const std::system_error& failure) {
+  return refused("Quillmark could not finish this call: " + failure.code().message() + ".");
+} catch (const std::exception& failure) {
+  return refused("Quillmark could not finish this call: " + std::string(failure.what()) + ".");
 }
 
-Outcome<json> Dispatch::carryOut(const json& request) const {
-  if (!request.is_object()) return refuse("The request is not a JSON object.");
-  if (member(request, "token") != token_) {
-    return refuse("The access token is not the one that Quillmark has published.");
+json Dispatch::run(const json& request) const {
+  if (!request.is_object()) throw Refusal("The request is not a JSON object.");
+  if (request.value("token", json()) != token_) {
+    throw Refusal("The access token is not the one that Quillmark has published.");
   }
-  if (member(request, "version") != wireVersion) {
-    return refuse("The request is not of version " + std::to_string(wireVersion) + ".");
+  if (request.value("version", json()) != wireVersion) {
+    throw Refusal("The request is not of version " + std::to_string(wireVersion) + ".");
   }
-  const json& tool = member(request, "tool");
-  const json& arguments = member(request, "arguments");
-  if (!tool.is_string()) return refuse("The request names no tool.");
-  if (!arguments.is_object()) return refuse("The arguments are not a JSON object.");
-  const auto& name = tool.get_ref<const std::string&>();
-  const auto offer = offers().find(name);
-  if (offer == offers().end()) return refuse("There is no tool " + inQuotes(name) + ".");
-  const auto call = Arguments::check(offer->second.parameters, arguments, drives_);
-  if (!call) return std::unexpected(call.error());
-  return offer->second.run(drives_, *call);
+  const json name = request.value("tool", json());
+  if (!name.is_string()) throw Refusal("The request names no tool.");
+  const auto tool =
+      std::ranges::find(tools(), name.get_ref<const std::string&>(), &ToolEntry::name);
+  if (tool == tools().end()) {
+    throw Refusal("There is no tool " + inQuotes(name.get_ref<const std::string&>()) + ".");
+  }
+  const auto arguments = request.find("arguments");
+  if (arguments == request.end() || !arguments->is_object()) {
+    throw Refusal("The arguments are not a JSON object.");
+  }
+  return tool->run(drives_, Arguments(tool->name, tool->parameters, *arguments));
 }
 
 }  // namespace standin

@@ -1,45 +1,61 @@
 #pragma once
 
+#include <deque>
 #include <filesystem>
-#include <memory>
+#include <map>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "standin/drive.h"
-
 namespace standin {
 
-/// Every connected drive, in the order in which the folders were given. The set itself never
-/// changes, so it may be read from any thread.
+/// A folder of this computer, served as a drive.
+struct Drive {
+  std::string name;
+  std::filesystem::path root;  ///< with every link followed
+  bool writable;
+};
+
+/// A place on a drive, whether there is something or not.
+struct Place {
+  const Drive* drive;
+  std::string path;  ///< within the drive, no slash at either end; empty for the top level
+
+  std::filesystem::path file() const { return drive->root / path; }
+  /// For sentences: `"a/b.txt" on the drive "Docs"`.
+  std::string description() const;
+};
+
+/// The connected drives, in the order in which they were added. After that, any thread may use
+/// them.
 class Drives {
  public:
-  /// Each folder becomes a drive named after its last path component; a name already taken
-  /// gets a number. Refuses a folder that can't be opened or overlaps another one.
-  static Outcome<std::unique_ptr<Drives>> open(const std::vector<std::filesystem::path>& folders,
-                                               bool writable);
+  /// Adds a drive named after the folder; if the name is taken, it gets a number. Throws Refusal
+  /// if the folder can't be opened or is inside another drive, or another drive inside it.
+  void add(const std::filesystem::path& folder, bool writable);
 
-  const std::vector<std::unique_ptr<Drive>>& all() const { return drives_; }
+  const std::deque<Drive>& all() const { return drives_; }
 
-  /// The drive of exactly that name, or null. It lives as long as this set.
-  Drive* find(std::string_view name) const;
-  /// As find(), for a name already known to be there; throws std::out_of_range if it is not.
-  Drive& named(std::string_view name) const;
-  /// The drive of that name alone, or all drives when the name is empty.
+  /// The drive of exactly this name; throws Refusal if there is none.
+  const Drive& named(std::string_view name) const;
+  /// The drive of this name, or all drives if the name is empty.
   std::vector<const Drive*> chosen(std::string_view name) const;
-  /// The names in quotation marks, with commas between.
-  std::string names() const;
 
-  /// Held by whoever changes files, from looking at what is there to the change itself.
-  std::mutex& writing() { return writing_; }
+  /// The place that an agent names. Links are followed, but nothing outside of the drive and
+  /// nothing hidden is reached: that throws Refusal.
+  Place place(std::string_view drive, const std::string& path) const;
+  /// The same for a regular file that exists.
+  Place existingFile(std::string_view drive, const std::string& path) const;
+
+  /// Locked by a tool while it works with the content of files.
+  std::mutex contentMutex;
+  /// The size and hash that each file had when an agent last read or wrote it. Guarded by the
+  /// mutex.
+  std::map<std::filesystem::path, std::pair<std::size_t, std::size_t>> lastSeen;
 
  private:
-  Outcome<void> add(const std::filesystem::path& folder, bool writable);
-  std::string freeName(const std::filesystem::path& root) const;
-
-  std::vector<std::unique_ptr<Drive>> drives_;
-  std::mutex writing_;
+  std::deque<Drive> drives_;
 };
 
 }  // namespace standin

@@ -15,10 +15,10 @@ std::int64_t nanoseconds(const timespec& time) {
   return std::int64_t{time.tv_sec} * nanosecondsPerSecond + time.tv_nsec;
 }
 
-FileKind kindOf(mode_t mode) {
-  if (S_ISREG(mode)) return FileKind::File;
-  if (S_ISDIR(mode)) return FileKind::Folder;
-  return S_ISLNK(mode) ? FileKind::Link : FileKind::Other;
+std::string_view kindOf(mode_t mode) {
+  if (S_ISREG(mode)) return "file";
+  if (S_ISDIR(mode)) return "folder";
+  return S_ISLNK(mode) ? "link" : "other";
 }
 
 }  // namespace
@@ -37,16 +37,6 @@ std::optional<FileFacts> factsOf(const std::filesystem::path& file) {
                    .bytes = static_cast<std::uint64_t>(found.st_size),
                    .modified = nanoseconds(modified),
                    .accessed = nanoseconds(accessed)};
-}
-
-std::string_view kindName(FileKind kind) {
-  switch (kind) {
-    case FileKind::File: return "file";
-    case FileKind::Folder: return "folder";
-    case FileKind::Link: return "link";
-    case FileKind::Other: break;
-  }
-  return "other";
 }
 
 std::string dateText(std::int64_t nanoseconds) {

@@ -8,28 +8,25 @@
 
 namespace standin {
 
-enum class FileKind { File, Folder, Link, Other };
-
-/// What the file system knows of an entry without opening it.
+/// What the file system knows about an entry without opening it.
 struct FileFacts {
-  FileKind kind = FileKind::Other;
-  std::uint64_t bytes = 0;
-  /// Nanoseconds since 1970, as are all times here.
-  std::int64_t modified = 0;
-  std::int64_t accessed = 0;
+  std::string_view kind;  ///< "file", "folder", "link" or "other"
+  std::uint64_t bytes;
+  std::int64_t modified;  ///< in nanoseconds since 1970, as all times here
+  std::int64_t accessed;
+
+  bool isFile() const { return kind == "file"; }
+  bool isFolder() const { return kind == "folder"; }
 };
 
-/// The facts of the entry itself (a link is not followed), or none when there is no such
-/// entry or it can't be looked at.
+/// The facts of the entry itself: a link is not followed. None if there is no such entry or the
+/// system refuses to look at it.
 std::optional<FileFacts> factsOf(const std::filesystem::path& file);
 
-/// "file", "folder", "link" or "other".
-std::string_view kindName(FileKind kind);
-
-/// A time as the agent is shown it, such as "2024-05-06T07:08:09Z".
+/// A time as agents see it, such as "2024-05-06T07:08:09Z".
 std::string dateText(std::int64_t nanoseconds);
 
-/// The present time, in nanoseconds since 1970.
+/// The current time.
 std::int64_t now();
 
 }  // namespace standin

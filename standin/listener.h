@@ -1,35 +1,47 @@
 #pragma once
 
+#include <array>
+#include <chrono>
 #include <cstdint>
-#include <exception>  // asio takes it for granted
+#include <functional>
+#include <future>
+#include <list>
+#include <string>
+#include <string_view>
+#include <thread>
 
-#include <asio.hpp>
-
-#include "standin/connection.h"
+#include "tests/support/loopback_listener.h"
 
 namespace standin {
 
-/// Listens on a free port of 127.0.0.1 and serves every connection that comes, each by
-/// itself, while anybody runs the context. Must outlive that running.
+/// Returns the reply to a request, both as JSON text. Called on several threads at once; must not
+/// throw.
+using Answer = std::function<std::string(std::string_view request)>;
+
+/// Serves a free port of 127.0.0.1, each connection on a thread of its own: it reads one request,
+/// sends the reply, and waits for the client to close. Clients that take too long are disconnected.
 class Listener {
  public:
-  /// Listens at once. Throws std::system_error when that can't be.
-  Listener(asio::io_context& context, Answer answer);
+  /// Throws std::system_error if it can't listen.
+  explicit Listener(Answer answer);
+  /// Closes every connection. Waits for answers that are being prepared.
+  ~Listener();
+  Listener(const Listener&) = delete;
+  Listener& operator=(const Listener&) = delete;
 
-  std::uint16_t port() const { return acceptor_.local_endpoint().port(); }
+  std::uint16_t port() const { return listener_.port(); }
 
  private:
-  void accept();
-  void acceptLater();
+  void acceptConnections();
+  void serve(int connection) const;
+  std::string receive(int connection, std::chrono::seconds limit) const;
+  bool readable(int socket, std::chrono::milliseconds limit) const;
 
-  asio::io_context& context_;
-  asio::ip::tcp::acceptor acceptor_;
-  asio::steady_timer pause_;
   Answer answer_;
+  LoopbackListener listener_;
+  std::array<int, 2> stop_{};  ///< a pipe; its writing end is closed to end every wait
+  std::list<std::future<void>> connections_;
+  std::thread accepting_;
 };
-
-/// Runs the context on a few threads, so that a tool that takes long holds up no other, until
-/// the context is stopped.
-void runOnThreads(asio::io_context& context);
 
 }  // namespace standin

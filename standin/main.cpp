@@ -1,5 +1,7 @@
-// quillmark-standin: plays the desktop application for the server while developing. It serves
-// folders of this computer as drives, and really does what each tool promises.
+// quillmark-standin: plays the desktop application. It serves folders of this computer as drives
+// and does what the tools promise, until it is interrupted.
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -8,71 +10,60 @@
 #include <vector>
 
 #include "standin/agent_file.h"
+#include "standin/demo/call_log.h"
 #include "standin/dispatch.h"
 #include "standin/listener.h"
-#include "standin/random_hex.h"
+#include "standin/refusal.h"
 
 namespace {
 
 constexpr std::string_view usage =
-    "Usage: quillmark-standin [--read-only] FOLDER...\n"
-    "Serves each folder as a drive until interrupted.\n";
+    "Usage: quillmark-standin [--read-only] HOME FOLDER...\n"
+    "Serves each folder as a drive. The server finds it if HOME is its home folder.\n";
 
-struct Options {
-  std::vector<std::filesystem::path> folders;
-  bool writable = true;
-  bool understood = true;
-};
-
-Options optionsFrom(int count, char** words) {
-  Options options;
-  for (const std::string_view word : std::vector<std::string_view>(words + 1, words + count)) {
-    if (word == "--read-only") {
-      options.writable = false;
-    } else if (word.starts_with('-')) {
-      options.understood = false;
-    } else {
-      options.folders.emplace_back(word);
-    }
-  }
-  options.understood = options.understood && !options.folders.empty();
-  return options;
+// To be called before there are threads, as they inherit the mask.
+sigset_t blockSignalsToStop() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  return signals;
 }
 
-int failed(std::string_view sentence) {
-  std::cerr << "quillmark-standin: " << sentence << '\n';
-  return EXIT_FAILURE;
-}
-
-int serve(standin::Drives& drives, const char* home) {
-  const std::string token = standin::randomHex(16);
+void serve(const std::filesystem::path& home, standin::Drives& drives, bool writable) {
+  const sigset_t signals = blockSignalsToStop();
+  const std::string token = standin::newToken();
   const standin::Dispatch dispatch(drives, token);
-  asio::io_context context;
-  asio::signal_set signals(context, SIGINT, SIGTERM, SIGHUP);
-  signals.async_wait([&](const std::error_code&, int) { context.stop(); });
-  const standin::Listener listener(
-      context, [&](std::string_view request) { return dispatch.answer(request); });
-  const auto file = standin::AgentFile::publish(home, listener.port(), token);
-  if (!file) return failed(file.error().sentence);
-  std::cout << "Serving " << drives.names() << " on 127.0.0.1:" << listener.port()
-            << "; Ctrl-C stops.\n"
+  demo::CallLog log(std::cout, demo::terminalOf(STDOUT_FILENO));
+  const standin::Listener listener([&](std::string_view request) {
+    std::string reply = dispatch.answer(request);
+    log.add(request, reply);
+    return reply;
+  });
+  const standin::AgentFile file(home, listener.port(), token);
+  std::cout << "Serving " << standin::listInQuotes(drives.all(), &standin::Drive::name)
+            << (writable ? " for reading and writing." : " for reading only.")
+            << " Waiting for calls; Ctrl-C ends this.\n"
             << std::flush;
-  standin::runOnThreads(context);
-  return EXIT_SUCCESS;
+  int received = 0;
+  sigwait(&signals, &received);
 }
 
 }  // namespace
 
 int main(int count, char** words) try {
-  const Options options = optionsFrom(count, words);
-  if (!options.understood) {
+  std::vector<std::string_view> arguments(words + 1, words + count);
+  const bool readOnly = !arguments.empty() && arguments.front() == "--read-only";
+  if (readOnly) arguments.erase(arguments.begin());
+  if (arguments.size() < 2 || arguments.front().starts_with('-')) {
     std::cerr << usage;
     return 2;
   }
-  const char* const home = std::getenv("HOME");
-  if (home == nullptr || *home == '\0') return failed("HOME is not set.");
-  const auto drives = standin::Drives::open(options.folders, options.writable);
-  return drives ? serve(**drives, home) : failed(drives.error().sentence);
+  standin::Drives drives;
+  for (std::size_t i = 1; i < arguments.size(); ++i) drives.add(arguments[i], !readOnly);
+  serve(arguments.front(), drives, !readOnly);
+  return EXIT_SUCCESS;
 } catch (const std::exception& failure) {
-  return failed(failure.what());
+  std::cerr << "quillmark-standin: " << failure.what() << '\n';
+  return EXIT_FAILURE;
 }

@@ -4,22 +4,20 @@
 
 #include "standin/arguments.h"
 #include "standin/drives.h"
-#include "standin/outcome.h"
 
-/// The eleven tools. Each takes the drives and arguments that were checked against its
-/// parameters, and returns its result, always a JSON object, or a refusal. All of them may
-/// run at the same time on different threads.
+/// The eleven tools. Each returns its result, a JSON object; one that can't do what it is asked
+/// throws Refusal or std::system_error. Any number of them may run at the same time.
 namespace standin {
 
-using Tool = Outcome<nlohmann::json>(Drives& drives, const Arguments& call);
+using Tool = nlohmann::json(Drives& drives, const Arguments& call);
 
 Tool searchDrives;  // tools_browse.cpp
 Tool listDirectory;
 Tool getFileInfo;
 Tool recentChanges;
-Tool readFile;  // tools_text.cpp
+Tool readFile;  // tools_content.cpp
 Tool writeFile;
-Tool transferFile;    // tools_transfer.cpp
+Tool transferFile;
 Tool findDuplicates;  // tools_space.cpp
 Tool storageSummary;
 Tool proposeCleanup;

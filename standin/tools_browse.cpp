@@ -1,8 +1,11 @@
-// search_drives, list_directory, get_file_info and recent_changes: finding one's way without
+// search_drives, list_directory, get_file_info and recent_changes: they look at entries without
 // opening any file.
-#include <algorithm>
+#include <string.h>
 
-#include "standin/folded.h"
+#include <algorithm>
+#include <ranges>
+
+#include "standin/refusal.h"
 #include "standin/tools.h"
 #include "standin/walk.h"
 
@@ -11,79 +14,66 @@ using nlohmann::json;
 namespace standin {
 namespace {
 
-json described(const Entry& entry) {
-  json object{{"drive", entry.drive->name()},
+json description(const Entry& entry) {
+  json object{{"drive", entry.drive->name},
               {"path", entry.path},
-              {"kind", kindName(entry.facts.kind)},
+              {"kind", entry.facts.kind},
               {"modified", dateText(entry.facts.modified)}};
-  if (entry.facts.kind == FileKind::File) object["bytes"] = entry.facts.bytes;
+  if (entry.facts.isFile()) object["bytes"] = entry.facts.bytes;
   return object;
 }
 
 }  // namespace
 
-Outcome<json> searchDrives(Drives& drives, const Arguments& call) {
-  const std::u32string wanted = folded(call.text("query"));
-  if (wanted.empty()) return refuse("The argument \"query\" must not be empty.");
-  const std::uint64_t limit = call.number("limit");
+json searchDrives(Drives& drives, const Arguments& call) {
+  const std::string& wanted = call.text("query");
   json results = json::array();
   bool more = false;
-  for (const auto& drive : drives.all()) {
-    walk(*drive, [&](const Entry& entry) {
-      if (!folded(entry.name()).contains(wanted)) return true;
-      more = results.size() >= limit;
-      if (!more) results.push_back(described(entry));
+  for (const Drive& drive : drives.all()) {
+    walk(drive, [&](const Entry& entry) {
+      if (::strcasestr(entry.name().c_str(), wanted.c_str()) == nullptr) return true;
+      more = results.size() >= call.number("limit");
+      if (!more) results.push_back(description(entry));
       return !more;
     });
     if (more) break;
   }
-  return json{{"results", std::move(results)}, {"more", more}};
+  return {{"results", std::move(results)}, {"more", more}};
 }
 
-Outcome<json> listDirectory(Drives& drives, const Arguments& call) {
-  const Drive& drive = drives.named(call.text("drive"));
-  const auto folder = drive.place(call.text("path"));
-  if (!folder) return std::unexpected(folder.error());
-  const auto facts = factsOf(folder->file);
-  const std::string where = inQuotes(folder->path) + " on the drive " + inQuotes(drive.name());
-  if (!facts) return refuse("There is no folder " + where + ".");
-  if (facts->kind != FileKind::Folder) return refuse(where + " is not a folder.");
+json listDirectory(Drives& drives, const Arguments& call) {
+  const Place folder = drives.place(call.text("drive"), call.text("path"));
+  const auto facts = factsOf(folder.file());
+  if (!facts) throw Refusal("There is no folder " + folder.description() + ".");
+  if (!facts->isFolder()) throw Refusal(folder.description() + " is not a folder.");
+  std::error_code failure;
   json entries = json::array();
-  for (const Entry& entry : entriesOf(drive, *folder)) {
-    json line{{"name", entry.name()},
-              {"kind", kindName(entry.facts.kind)},
-              {"modified", dateText(entry.facts.modified)}};
-    if (entry.facts.kind == FileKind::File) line["bytes"] = entry.facts.bytes;
-    entries.push_back(std::move(line));
+  for (const Entry& entry : entriesOf(folder, failure)) {
+    entries.push_back(description(entry));
   }
-  return json{{"drive", drive.name()}, {"path", folder->path}, {"entries", std::move(entries)}};
+  if (failure) throw std::system_error(failure);
+  return {{"drive", folder.drive->name}, {"path", folder.path}, {"entries", std::move(entries)}};
 }
 
-Outcome<json> getFileInfo(Drives& drives, const Arguments& call) {
-  const Drive& drive = drives.named(call.text("drive"));
-  const auto place = drive.place(call.text("path"));
-  if (!place) return std::unexpected(place.error());
-  const auto facts = factsOf(place->file);
-  if (!facts) {
-    return refuse("There is nothing at " + inQuotes(place->path) + " on the drive " +
-                  inQuotes(drive.name()) + ".");
-  }
-  json info = described({.drive = &drive, .path = place->path, .facts = *facts});
+json getFileInfo(Drives& drives, const Arguments& call) {
+  const Place place = drives.place(call.text("drive"), call.text("path"));
+  const auto facts = factsOf(place.file());
+  if (!facts) throw Refusal("There is nothing at " + place.description() + ".");
+  json info = description({place, *facts});
   info["accessed"] = dateText(facts->accessed);
-  info["downloaded"] = true;  // the stand-in serves folders of this computer only
+  info["downloaded"] = true;  // the files are on this computer
   return info;
 }
 
-Outcome<json> recentChanges(Drives& drives, const Arguments& call) {
+json recentChanges(Drives& drives, const Arguments& call) {
   std::vector<Entry> files = filesOn(drives.chosen(call.text("drive")), 0);
-  const auto shown = std::min<std::uint64_t>(call.number("limit"), files.size());
-  const auto lastShown = files.begin() + static_cast<std::ptrdiff_t>(shown);
-  std::ranges::partial_sort(files, lastShown, std::greater(),
-                            [](const Entry& file) { return file.facts.modified; });
+  std::ranges::sort(files, std::greater(), [](const Entry& file) { return file.facts.modified; });
   json changes = json::array();
-  std::for_each(files.begin(), lastShown,
-                [&](const Entry& file) { changes.push_back(described(file)); });
-  return json{{"changes", std::move(changes)}, {"more", files.size() > shown}};
+  for (const Entry& file : files) {
+    if (changes.size() == call.number("limit")) break;
+    changes.push_back(description(file));
+  }
+  return {{"more", changes.size() < files.size()}, {"changes", std::move(changes)}};
 }
 
 }  // namespace standin

@@ -1,7 +1,6 @@
 // find_duplicates, storage_summary and propose_cleanup: where the space goes.
 #include <algorithm>
 #include <map>
-#include <tuple>
 
 #include "standin/tools.h"
 #include "standin/walk.h"
@@ -12,37 +11,34 @@ using nlohmann::json;
 namespace standin {
 namespace {
 
+// Files of the same size and name.
 struct DuplicateGroup {
   std::vector<Entry> copies;
   std::uint64_t wasted() const { return copies.front().facts.bytes * (copies.size() - 1); }
 };
 
-// Every list begins with the largest; those of one size are in the order of their names.
-bool isLarger(const Entry& a, const Entry& b) {
-  return std::tie(b.facts.bytes, a.path) < std::tie(a.facts.bytes, b.path);
-}
-
-bool isMoreWasteful(const DuplicateGroup& a, const DuplicateGroup& b) {
-  return std::pair(b.wasted(), a.copies.front().name()) <
-         std::pair(a.wasted(), b.copies.front().name());
-}
-
-using FolderBytes = std::pair<std::string_view, std::uint64_t>;
-
-bool holdsMore(const FolderBytes& a, const FolderBytes& b) {
-  return std::tie(b.second, a.first) < std::tie(a.second, b.first);
-}
-
-// Files of one size and name that are there more than once, the most wasteful first.
+// Sorted by wasted space, the most first.
 std::vector<DuplicateGroup> duplicatesAmong(const std::vector<Entry>& files) {
-  std::map<std::pair<std::uint64_t, std::string_view>, std::vector<Entry>> alike;
+  std::map<std::pair<std::uint64_t, std::string>, std::vector<Entry>> alike;
   for (const Entry& file : files) alike[{file.facts.bytes, file.name()}].push_back(file);
   std::vector<DuplicateGroup> groups;
   for (auto& [sizeAndName, copies] : alike) {
     if (copies.size() > 1) groups.push_back({.copies = std::move(copies)});
   }
-  std::ranges::sort(groups, isMoreWasteful);
+  std::ranges::sort(groups, std::greater(), &DuplicateGroup::wasted);
   return groups;
+}
+
+std::uint64_t wastedBy(const std::vector<DuplicateGroup>& groups) {
+  std::uint64_t bytes = 0;
+  for (const DuplicateGroup& group : groups) bytes += group.wasted();
+  return bytes;
+}
+
+std::uint64_t bytesOf(const std::vector<Entry>& files) {
+  std::uint64_t bytes = 0;
+  for (const Entry& file : files) bytes += file.facts.bytes;
+  return bytes;
 }
 
 json listed(const std::vector<DuplicateGroup>& groups, std::uint64_t limit) {
@@ -51,7 +47,7 @@ json listed(const std::vector<DuplicateGroup>& groups, std::uint64_t limit) {
     if (list.size() >= limit) break;
     json copies = json::array();
     for (const Entry& copy : group.copies) {
-      copies.push_back({{"drive", copy.drive->name()}, {"path", copy.path}});
+      copies.push_back({{"drive", copy.drive->name}, {"path", copy.path}});
     }
     list.push_back({{"name", group.copies.front().name()},
                     {"bytes_each", group.copies.front().facts.bytes},
@@ -61,19 +57,12 @@ json listed(const std::vector<DuplicateGroup>& groups, std::uint64_t limit) {
   return list;
 }
 
-std::uint64_t wastedBy(const std::vector<DuplicateGroup>& groups) {
-  std::uint64_t bytes = 0;
-  for (const DuplicateGroup& group : groups) bytes += group.wasted();
-  return bytes;
-}
-
-// The largest files, in descending order.
-json largest(std::vector<Entry> files, std::uint64_t limit) {
-  std::ranges::sort(files, isLarger);
+json largestFiles(std::vector<Entry> files, std::uint64_t limit) {
+  std::ranges::sort(files, std::greater(), [](const Entry& file) { return file.facts.bytes; });
   json list = json::array();
   for (const Entry& file : files) {
     if (list.size() >= limit) break;
-    list.push_back({{"drive", file.drive->name()},
+    list.push_back({{"drive", file.drive->name},
                     {"path", file.path},
                     {"bytes", file.facts.bytes},
                     {"modified", dateText(file.facts.modified)}});
@@ -81,18 +70,17 @@ json largest(std::vector<Entry> files, std::uint64_t limit) {
   return list;
 }
 
-// The folders that hold the most, counting what is in their folders too.
+// A folder counts everything below it.
 json largestFolders(const std::vector<Entry>& files, std::uint64_t limit) {
-  std::map<std::string_view, std::uint64_t> held;
+  std::map<std::string, std::uint64_t> bytesBelow;
   for (const Entry& file : files) {
-    const std::string_view path = file.path;
-    for (auto slash = path.rfind('/'); slash != std::string_view::npos && slash > 0;
-         slash = path.rfind('/', slash - 1)) {
-      held[path.substr(0, slash)] += file.facts.bytes;
+    for (fs::path folder = fs::path(file.path).parent_path(); !folder.empty();
+         folder = folder.parent_path()) {
+      bytesBelow[folder.native()] += file.facts.bytes;
     }
   }
-  std::vector<FolderBytes> folders(held.begin(), held.end());
-  std::ranges::sort(folders, holdsMore);
+  std::vector<std::pair<std::string, std::uint64_t>> folders(bytesBelow.begin(), bytesBelow.end());
+  std::ranges::sort(folders, std::greater(), [](const auto& folder) { return folder.second; });
   json list = json::array();
   for (const auto& [path, bytes] : folders) {
     if (list.size() >= limit) break;
@@ -101,63 +89,45 @@ json largestFolders(const std::vector<Entry>& files, std::uint64_t limit) {
   return list;
 }
 
-json summaryOf(const Drive& drive, std::uint64_t limit) {
-  const std::vector<Entry> files = filesOn({&drive}, 0);
-  std::uint64_t bytes = 0;
-  for (const Entry& file : files) bytes += file.facts.bytes;
-  json summary{{"drive", drive.name()},
-               {"files", files.size()},
-               {"bytes", bytes},
-               {"largest_files", largest(files, limit)},
-               {"largest_folders", largestFolders(files, limit)}};
-  std::error_code failure;
-  const fs::space_info volume = fs::space(drive.root(), failure);
-  if (!failure) {
-    summary["volume"] = {{"capacity_bytes", volume.capacity}, {"free_bytes", volume.available}};
-  }
-  return summary;
-}
-
 }  // namespace
 
-Outcome<json> findDuplicates(Drives& drives, const Arguments& call) {
-  const std::vector<Entry> files = filesOn(drives.chosen(""), call.number("minimum_bytes"));
-  const auto groups = duplicatesAmong(files);
-  return json{{"groups", listed(groups, call.number("limit"))},
-              {"total_groups", groups.size()},
-              {"total_wasted_bytes", wastedBy(groups)}};
+json findDuplicates(Drives& drives, const Arguments& call) {
+  const auto groups = duplicatesAmong(filesOn(drives.chosen(""), call.number("minimum_bytes")));
+  return {{"groups", listed(groups, call.number("limit"))},
+          {"total_groups", groups.size()},
+          {"total_wasted_bytes", wastedBy(groups)}};
 }
 
-Outcome<json> storageSummary(Drives& drives, const Arguments& call) {
+json storageSummary(Drives& drives, const Arguments& call) {
   json summaries = json::array();
   for (const Drive* drive : drives.chosen(call.text("drive"))) {
-    summaries.push_back(summaryOf(*drive, call.number("limit")));
+    const std::vector<Entry> files = filesOn({drive}, 0);
+    const fs::space_info volume = fs::space(drive->root);
+    summaries.push_back(
+        {{"drive", drive->name},
+         {"files", files.size()},
+         {"bytes", bytesOf(files)},
+         {"largest_files", largestFiles(files, call.number("limit"))},
+         {"largest_folders", largestFolders(files, call.number("limit"))},
+         {"volume", {{"capacity_bytes", volume.capacity}, {"free_bytes", volume.available}}}});
   }
-  return json{{"drives", std::move(summaries)}};
+  return {{"drives", std::move(summaries)}};
 }
 
-Outcome<json> proposeCleanup(Drives& drives, const Arguments& call) {
-  constexpr std::uint64_t mostListed = 100;
+json proposeCleanup(Drives& drives, const Arguments& call) {
+  constexpr std::uint64_t maxListed = 100;
   constexpr std::int64_t nanosecondsPerDay = 86'400'000'000'000;
   const std::vector<Entry> files = filesOn(drives.chosen(""), call.number("minimum_bytes"));
   const auto groups = duplicatesAmong(files);
   std::vector<Entry> stale;
-  std::uint64_t staleBytes = 0;
-  for (const Entry& file : files) {
+  std::ranges::copy_if(files, std::back_inserter(stale), [&](const Entry& file) {
     const std::int64_t age = std::max<std::int64_t>(now() - file.facts.modified, 0);
-    if (static_cast<std::uint64_t>(age / nanosecondsPerDay) < call.number("stale_after_days")) {
-      continue;
-    }
-    stale.push_back(file);
-    staleBytes += file.facts.bytes;
-  }
-  return json{{"duplicates", listed(groups, mostListed)},
-              {"total_duplicate_groups", groups.size()},
-              {"duplicate_bytes", wastedBy(groups)},
-              {"stale_files", largest(stale, mostListed)},
-              {"total_stale_files", stale.size()},
-              {"stale_bytes", staleBytes},
-              {"note", "These are proposals only; nothing was deleted."}};
+    return static_cast<std::uint64_t>(age / nanosecondsPerDay) >= call.number("stale_after_days");
+  });
+  return {
+      {"duplicates", listed(groups, maxListed)}, {"total_duplicate_groups", groups.size()},
+      {"duplicate_bytes", wastedBy(groups)},     {"stale_files", largestFiles(stale, maxListed)},
+      {"total_stale_files", stale.size()},       {"stale_bytes", bytesOf(stale)}};
 }
 
 }  // namespace standin

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "standin/drives.h"
@@ -10,25 +11,22 @@
 
 namespace standin {
 
-/// A file, folder, link or other thing found on a drive.
-struct Entry {
-  const Drive* drive;
-  /// Within the drive, without a slash at either end.
-  std::string path;
+/// A file, folder, link or anything else found on a drive.
+struct Entry : Place {
   FileFacts facts;
 
-  std::string_view name() const;
+  std::string name() const;
 };
 
-/// What is directly in a folder, sorted by name, hidden files left out. What can't be looked
-/// at is left out too.
-std::vector<Entry> entriesOf(const Drive& drive, const Place& folder);
+/// The entries of a folder, sorted by name, without hidden ones. Empty, and `failure` set, if the
+/// system refuses to list them.
+std::vector<Entry> entriesOf(const Place& folder, std::error_code& failure);
 
-/// Visits everything on the drive, the shallowest first, until the visitor returns false.
-/// Links are visited but not followed.
+/// Visits every entry of the drive until the visitor returns false. Links are visited but not
+/// followed; folders that can't be listed are skipped.
 void walk(const Drive& drive, const std::function<bool(const Entry&)>& visitor);
 
-/// All files of at least that size on these drives.
+/// Every file of at least this size on these drives.
 std::vector<Entry> filesOn(const std::vector<const Drive*>& drives, std::uint64_t minimumBytes);
 
 }  // namespace standin

@@ -2,41 +2,33 @@
 
 #include <sys/types.h>
 
-#include <chrono>
-#include <optional>
+#include <cstdio>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace demo {
 
-/// The server as a child process, spoken to over its standard input and output as an agent
-/// host does. Its standard error and environment are this process's own.
+/// The server as a child process. It has this process's environment and standard error; its
+/// standard input and output are pipes, as an agent's host would set them up.
 class ServerChild {
  public:
-  /// Starts the command. Throws std::system_error when it can't be started.
-  explicit ServerChild(std::vector<std::string> command);
-  /// Ends the child if it still runs.
+  /// Starts the program at this path. Throws std::system_error if that fails.
+  explicit ServerChild(std::string program);
+  /// Closes the server's input, which ends it, and waits for that.
   ~ServerChild();
   ServerChild(const ServerChild&) = delete;
   ServerChild& operator=(const ServerChild&) = delete;
 
-  /// Sends one line; false when the server takes no more.
-  bool send(std::string_view line);
-  /// The next whole line, without its end; none when the server has closed its output or no
-  /// line was complete within the limit.
-  std::optional<std::string> receive(std::chrono::milliseconds within);
-  /// Closes the server's input and waits for it to end by itself. True if it wrote nothing
-  /// more and ended with status 0 within the limit.
-  bool finish(std::chrono::milliseconds within);
+  void send(std::string_view line);
+  /// The next line of the server's output. Throws std::runtime_error if it has closed it.
+  std::string receive();
+  /// Closes the server's input and returns its exit status, or -1 if a signal ended it.
+  int finish();
 
  private:
-  void closeInput();
-
   pid_t process_ = -1;
-  int input_ = -1;
-  int output_ = -1;
-  std::string received_;
+  std::FILE* input_ = nullptr;
+  std::FILE* output_ = nullptr;
 };
 
 }  // namespace demo

@@ -1,62 +1,125 @@
 #include "standin/demo/transcript.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <ostream>
+#include <system_error>
+
+#include "standin/demo/text_layout.h"
+
+using nlohmann::json;
 
 namespace demo {
 namespace {
 
-constexpr std::size_t mostLines = 24;
-constexpr std::size_t mostBytesOfLine = 240;
-constexpr std::string_view indent = "      ";
+constexpr std::string_view margin = "   ";
+constexpr std::string_view messageMargin = "     ";
 
-std::string shortened(std::string_view line) {
-  if (line.size() <= mostBytesOfLine) return std::string(line);
-  std::size_t end = mostBytesOfLine;
-  const auto isInsideCharacter = [&] { return (line[end] & 0xC0) == 0x80; };
-  while (end > 0 && isInsideCharacter()) --end;
-  return std::string(line.substr(0, end)) + " [... " + std::to_string(line.size() - end) +
-         " more bytes]";
+// A number, a flag or a text. Text keeps its quotation marks if it has several lines.
+std::string plain(const json& value) {
+  const bool isWord = value.is_string() && !value.get_ref<const std::string&>().contains('\n');
+  return isWord ? value.get<std::string>() : value.dump();
 }
 
 }  // namespace
 
-void Transcript::heading(int number, std::string_view text) {
-  const std::string line = std::to_string(number) + ". " + std::string(text);
-  out_ << '\n' << coloured(line, "1") << '\n';
+Transcript::Transcript(std::ostream& out, const Terminal& terminal)
+    : out_(out), terminal_(terminal) {
+  constexpr std::size_t pleasantWidth = 100;
+  terminal_.width = std::min(terminal_.width, pleasantWidth);
 }
 
-void Transcript::sent(std::string_view line) {
-  out_ << "   -> " << coloured(shortened(line), "36") << '\n' << std::flush;
+void Transcript::title(std::string_view text) {
+  lines("", text, Style::Heading);
+  endBlock();
 }
 
-void Transcript::received(std::string_view text) {
-  std::size_t lines = 0;
-  std::size_t hidden = 0;
-  for (std::size_t start = 0; start < text.size(); ++lines) {
-    const std::size_t end = std::min(text.find('\n', start), text.size());
-    if (lines >= mostLines) {
-      ++hidden;
-    } else {
-      out_ << (lines == 0 ? "   <- " : indent) << shortened(text.substr(start, end - start))
-           << '\n';
-    }
-    start = end + 1;
+void Transcript::chapter(std::string_view heading) {
+  lines(std::to_string(++chapters_) + ". ", heading, Style::Heading);
+  endBlock();
+}
+
+void Transcript::prose(std::string_view text) {
+  lines(margin, text, Style::Prose);
+  endBlock();
+}
+
+void Transcript::message(std::string_view label, std::string_view text) {
+  lines(margin, label, Style::Label);
+  lines(messageMargin, text, Style::Data);
+  endBlock();
+}
+
+void Transcript::list(const std::vector<std::pair<std::string, std::string>>& entries) {
+  std::size_t longest = 0;
+  for (const auto& [name, text] : entries) longest = std::max(longest, name.size());
+  for (const auto& [name, text] : entries) {
+    lines(std::string(margin) + name + std::string(longest + 2 - name.size(), ' '), text,
+          Style::Prose);
   }
-  if (hidden > 0) out_ << indent << "[... " << hidden << " more lines]\n";
-  out_ << std::flush;
+  endBlock();
 }
 
-void Transcript::note(std::string_view text) {
-  out_ << "   " << coloured(text, "2") << '\n';
+void Transcript::call(std::string_view tool, std::string_view arguments) {
+  lines(std::string(margin) + "-> ", std::string(tool) + " " + std::string(arguments), Style::Call);
 }
 
-void Transcript::fault(std::string_view text) {
-  out_ << "   " << coloured("WRONG: " + std::string(text), "31") << '\n' << std::flush;
+void Transcript::result(const json& value) {
+  outline(value, std::string(margin) + "<- ");
+  endBlock();
 }
 
-std::string Transcript::coloured(std::string_view text, std::string_view code) const {
-  if (!colours_) return std::string(text);
-  return "\033[" + std::string(code) + "m" + std::string(text) + "\033[0m";
+void Transcript::refusal(std::string_view sentence) {
+  lines(std::string(margin) + "<- ", sentence, Style::Refusal);
+  endBlock();
+}
+
+// First the simple members in one paragraph, then each list of objects. The beginning stands before
+// the first line only.
+void Transcript::outline(const json& object, std::string beginning) {
+  const std::string indent(beginning.size(), ' ');
+  const auto print = [&](const std::string& text) {
+    lines(beginning, text, Style::Data);
+    beginning = indent;
+  };
+  std::string simple;
+  for (const auto& [name, value] : object.items()) {
+    if (!value.is_structured()) simple += (simple.empty() ? "" : ", ") + name + ": " + plain(value);
+  }
+  if (!simple.empty()) print(simple);
+  for (const auto& [name, value] : object.items()) {
+    if (!value.is_structured()) continue;
+    print(name + (value.empty() ? ": none" : ":"));
+    for (const json& item : value) outline(item, indent + "- ");
+  }
+}
+
+std::string_view Transcript::colourOf(Style style) {
+  switch (style) {
+    case Style::Heading: return "\033[1m";
+    case Style::Label: return "\033[2m";
+    case Style::Call: return "\033[36m";
+    case Style::Refusal: return "\033[33m";
+    default: return "";
+  }
+}
+
+// The lines after the first are indented as far as the first is by its beginning.
+void Transcript::lines(std::string_view beginning, std::string_view text, Style style) {
+  const std::string_view colour = terminal_.colours ? colourOf(style) : "";
+  const bool isData = style == Style::Data || style == Style::Call;
+  const auto breakAt = isData ? BreakAt::Commas : BreakAt::Spaces;
+  std::string start(beginning);
+  for (const std::string& line : wrapped(text, terminal_.width - beginning.size(), breakAt)) {
+    out_ << colour << start << line << (colour.empty() ? "" : "\033[0m") << '\n';
+    start.assign(beginning.size(), ' ');
+  }
+}
+
+void Transcript::endBlock() {
+  errno = 0;
+  out_ << '\n' << std::flush;
+  if (!out_) throw std::system_error(errno, std::generic_category(), "can't write the output");
 }
 
 }  // namespace demo

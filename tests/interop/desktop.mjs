@@ -47,8 +47,7 @@ export class Desktop {
   /** Starts the stand-in; it answers by the time this returns. */
   async startApplication() {
     const drives = await prepareDrives(this.#place);
-    this.#standin = spawn(path.join(build, 'standin/quillmark-standin'), drives, {
-      env: { ...process.env, HOME: this.home },
+    this.#standin = spawn(path.join(build, 'standin/quillmark-standin'), [this.home, ...drives], {
       stdio: ['ignore', 'pipe', 'inherit'],
     });
     const gone = once(this.#standin, 'exit').then(() => assert.fail('the stand-in has ended'));

@@ -18,30 +18,25 @@ class ListDirectory : public ServedFolders, public testing::Test {};
 class GetFileInfo : public ServedFolders, public testing::Test {};
 class RecentChanges : public ServedFolders, public testing::Test {};
 
-TEST_F(SearchDrives, FindsFilesAndFoldersOnAllDrivesAnywhereInTheName) {
+TEST_F(SearchDrives, FindsFilesAndFoldersByAnyPartOfTheirName) {
   putFile(alpha("deep/My Plan.txt"), "");
   putFile(beta("Floorplans/other.txt"), "");
   putFile(beta("Plan/nothing.txt"), "");
   EXPECT_EQ(found("plan"), (Names{"deep/My Plan.txt", "Floorplans", "Plan"}));
 }
 
-TEST_F(SearchDrives, LetterCaseMakesNoDifferenceBeyondAsciiEither) {
-  putFile(alpha("Überblick.txt"), "");
-  putFile(alpha("ÉTÉ à Łódź.txt"), "");
-  putFile(alpha("План Ёлка.txt"), "");
-  putFile(alpha("ΣΧΕΔΙΟ.txt"), "");
-  EXPECT_EQ(found("üBERBLICK"), Names{"Überblick.txt"});
-  EXPECT_EQ(found("été À łÓDŹ"), Names{"ÉTÉ à Łódź.txt"});
-  EXPECT_EQ(found("план ёЛКА"), Names{"План Ёлка.txt"});
-  EXPECT_EQ(found("σχεδιο"), Names{"ΣΧΕΔΙΟ.txt"});
+TEST_F(SearchDrives, IgnoresCase) {
+  putFile(alpha("Überblick PLAN.txt"), "");
+  EXPECT_EQ(found("überblick plan"), Names{});  // beyond ASCII, it does not
+  EXPECT_EQ(found("BLICK plan"), Names{"Überblick PLAN.txt"});
 }
 
-TEST_F(SearchDrives, LooksAtNamesAndNotAtThePathAbove) {
+TEST_F(SearchDrives, DoesNotSearchTheFoldersOfThePath) {
   putFile(alpha("plans/other.txt"), "");
   EXPECT_EQ(found("plan"), Names{"plans"});
 }
 
-TEST_F(SearchDrives, SaysThatThereIsMore) {
+TEST_F(SearchDrives, ReportsWhetherThereIsMore) {
   for (const char* name : {"a1", "a2", "a3"}) putFile(alpha(name), "");
   const json two = result("search_drives", {{"query", "a"}, {"limit", 2}});
   EXPECT_EQ(each(two.at("results"), "path"), (Names{"a1", "a2"}));
@@ -49,36 +44,32 @@ TEST_F(SearchDrives, SaysThatThereIsMore) {
   EXPECT_EQ(result("search_drives", {{"query", "a"}, {"limit", 3}}).at("more"), false);
 }
 
-TEST_F(SearchDrives, NothingFoundIsAnEmptyList) {
+TEST_F(SearchDrives, ReturnsAnEmptyListIfNothingMatches) {
   const json nothing = result("search_drives", {{"query", "zebra"}});
   EXPECT_EQ(nothing.at("results"), json::array());
   EXPECT_EQ(nothing.at("more"), false);
 }
 
-TEST_F(SearchDrives, EmptyQueryIsRefused) {
-  EXPECT_EQ(refusal("search_drives", {{"query", ""}}), "The argument \"query\" must not be empty.");
-}
-
-TEST_F(SearchDrives, LinkedFoldersAreNotEntered) {
+TEST_F(SearchDrives, DoesNotFollowLinks) {
   putFile(outside("elsewhere/plan.txt"), "");
   fs::create_directory_symlink(outside("elsewhere"), alpha("out"));
   fs::create_directory_symlink(alpha(), alpha("round"));
   EXPECT_EQ(found("plan"), Names{});
 }
 
-TEST_F(SearchDrives, NameThatIsNotUtf8IsShownAndDoesNoHarm) {
+TEST_F(SearchDrives, ReplacesBytesOfANameThatAreNotUtf8) {
   std::error_code refused;
   fs::create_directory(alpha("plan\xFF"), refused);
-  if (refused) GTEST_SKIP() << "this file system takes UTF-8 names only";
+  if (refused) GTEST_SKIP() << "this file system accepts UTF-8 names only";
   EXPECT_EQ(found("plan"), Names{"plan\uFFFD"});
 }
 
-TEST_F(ListDirectory, ListsTheTopLevelWhenThePathIsLeftOut) {
+TEST_F(ListDirectory, ListsTheTopLevelByDefault) {
   putFile(alpha("b.txt"), "12345");
   putFile(alpha("a/inner.txt"), "");
   const json listing = result("list_directory", {{"drive", "Alpha"}});
   EXPECT_EQ(listing.at("path"), "");
-  ASSERT_EQ(each(listing.at("entries"), "name"), (Names{"a", "b.txt"}));
+  ASSERT_EQ(each(listing.at("entries"), "path"), (Names{"a", "b.txt"}));
   EXPECT_EQ(each(listing.at("entries"), "kind"), (Names{"folder", "file"}));
   EXPECT_EQ(listing.at("entries").at(1).at("bytes"), 5);
   EXPECT_FALSE(listing.at("entries").at(0).contains("bytes"));
@@ -88,10 +79,10 @@ TEST_F(ListDirectory, ListsAFolder) {
   putFile(alpha("a/b/c.txt"), "");
   const json listing = result("list_directory", {{"drive", "Alpha"}, {"path", "a/b/"}});
   EXPECT_EQ(listing.at("path"), "a/b");
-  EXPECT_EQ(each(listing.at("entries"), "name"), Names{"c.txt"});
+  EXPECT_EQ(each(listing.at("entries"), "path"), Names{"a/b/c.txt"});
 }
 
-TEST_F(ListDirectory, MissingFolderAndFileAreRefused) {
+TEST_F(ListDirectory, RefusesAMissingFolderAndAFile) {
   putFile(alpha("file"), "");
   EXPECT_EQ(refusal("list_directory", {{"drive", "Alpha"}, {"path", "none"}}),
             "There is no folder \"none\" on the drive \"Alpha\".");
@@ -99,11 +90,11 @@ TEST_F(ListDirectory, MissingFolderAndFileAreRefused) {
             "\"file\" on the drive \"Alpha\" is not a folder.");
 }
 
-TEST_F(ListDirectory, UndoFolderIsShownNowhere) {
+TEST_F(ListDirectory, NoToolShowsTheUndoFolder) {
   putFile(alpha("note.txt"), "old");
   result("write_file", {{"drive", "Alpha"}, {"path", "note.txt"}, {"content", "new"}});
   ASSERT_TRUE(fs::exists(alpha(".quillmark-undo")));
-  EXPECT_EQ(each(result("list_directory", {{"drive", "Alpha"}}).at("entries"), "name"),
+  EXPECT_EQ(each(result("list_directory", {{"drive", "Alpha"}}).at("entries"), "path"),
             Names{"note.txt"});
   EXPECT_EQ(result("search_drives", {{"query", "note"}}).at("results").size(), 1);
   EXPECT_EQ(result("search_drives", {{"query", "undo"}}).at("results").size(), 0);
@@ -113,7 +104,7 @@ TEST_F(ListDirectory, UndoFolderIsShownNowhere) {
   EXPECT_EQ(result("drive_status").at("drives").at(0).at("files_on_this_mac"), 1);
 }
 
-TEST_F(GetFileInfo, TellsSizeDatesAndDrive) {
+TEST_F(GetFileInfo, ReturnsSizeDatesAndDrive) {
   putFile(alpha("a/note.txt"), "12345");
   fs::last_write_time(alpha("a/note.txt"),
                       fs::file_time_type::clock::now() - std::chrono::hours(24));
@@ -129,12 +120,12 @@ TEST_F(GetFileInfo, TellsSizeDatesAndDrive) {
   EXPECT_LT(modified, accessed);
 }
 
-TEST_F(GetFileInfo, MissingFileIsRefused) {
+TEST_F(GetFileInfo, RefusesAMissingFile) {
   EXPECT_EQ(refusal("get_file_info", {{"drive", "Beta"}, {"path", "none"}}),
             "There is nothing at \"none\" on the drive \"Beta\".");
 }
 
-TEST_F(RecentChanges, ListsFilesNewestFirstAcrossDrives) {
+TEST_F(RecentChanges, ListsTheFilesOfAllDrivesNewestFirst) {
   putFile(alpha("old"), "");
   putFile(beta("a/new"), "");
   putFile(alpha("middle"), "");
@@ -146,7 +137,7 @@ TEST_F(RecentChanges, ListsFilesNewestFirstAcrossDrives) {
   EXPECT_EQ(changes.at("more"), false);
 }
 
-TEST_F(RecentChanges, KeepsToOneDriveAndToTheLimit) {
+TEST_F(RecentChanges, CanBeLimitedToOneDriveAndANumberOfFiles) {
   putFile(alpha("old"), "");
   putFile(alpha("new"), "");
   putFile(beta("newest"), "");

@@ -4,56 +4,37 @@
 
 #include <deque>
 #include <future>
-#include <optional>
 #include <thread>
 
 #include "tests/standin/loopback_client.h"
 
 namespace {
 
-// A listener whose answers the test decides, running until the test ends.
-class Listener : public testing::Test {
- protected:
-  ~Listener() override {
-    context_.stop();
-    if (thread_.joinable()) thread_.join();
-  }
-
-  void serve(standin::Answer answer) {
-    listener_.emplace(context_, std::move(answer));
-    thread_ = std::thread([this] { standin::runOnThreads(context_); });
-  }
-  std::uint16_t port() const { return listener_->port(); }
-
- private:
-  asio::io_context context_;
-  std::optional<standin::Listener> listener_;
-  std::thread thread_;
-};
+using Listener = standin::Listener;
 
 std::string echo(std::string_view request) {
   return std::string(request);
 }
 
-TEST_F(Listener, AnswersOneRequestAndWaitsForTheClientToClose) {
-  serve(echo);
-  LoopbackClient client(port());
+TEST(Listener, AnswersOneRequestAndWaitsForTheClientToClose) {
+  const Listener listener(echo);
+  LoopbackClient client(listener.port());
   client.send(R"({"a":1})");
   EXPECT_EQ(client.receiveReply(), R"({"a":1})");
   EXPECT_FALSE(client.isClosedWithin(1));
 }
 
-TEST_F(Listener, ClosesByItselfWhenTheClientDoesNot) {
-  serve(echo);
-  LoopbackClient client(port());
+TEST(Listener, ClosesIfTheClientDoesNot) {
+  const Listener listener(echo);
+  LoopbackClient client(listener.port());
   client.send("{}");
   EXPECT_EQ(client.receiveReply(), "{}");
   EXPECT_TRUE(client.isClosedWithin(15));
 }
 
-TEST_F(Listener, RequestMayArriveInPieces) {
-  serve(echo);
-  LoopbackClient client(port());
+TEST(Listener, RequestMayArriveInPieces) {
+  const Listener listener(echo);
+  LoopbackClient client(listener.port());
   for (const char* piece : {"{", "\"a\"", ":\"", "}\\", "\"", "\"", "}"}) {
     client.send(piece);
     std::this_thread::sleep_for(std::chrono::milliseconds(5));  // so that they arrive apart
@@ -61,56 +42,69 @@ TEST_F(Listener, RequestMayArriveInPieces) {
   EXPECT_EQ(client.receiveReply(), R"({"a":"}\""})");
 }
 
-TEST_F(Listener, RequestOfManyMegabytesArrivesWhole) {
-  serve([](std::string_view request) { return "[" + std::to_string(request.size()) + "]"; });
+TEST(Listener, RequestOfManyMegabytesArrivesWhole) {
+  const Listener listener(
+      [](std::string_view request) { return "[" + std::to_string(request.size()) + "]"; });
   const std::string request = R"({"a":")" + std::string(30'000'000, 'q') + R"("})";
-  LoopbackClient client(port());
+  LoopbackClient client(listener.port());
   client.send(request);
   EXPECT_EQ(client.receiveReply(), "[" + std::to_string(request.size()) + "]");
 }
 
-TEST_F(Listener, ReplyOfFourMebibytesArrivesWhole) {
-  const std::string reply = "\"" + std::string(4194302, 'q') + "\"";
-  serve([&](std::string_view) { return std::string(reply); });
-  LoopbackClient client(port());
+TEST(Listener, ReplyOfFourMebibytesArrivesWhole) {
+  std::string reply = "[\"" + std::string(4194300, 'q') + "\"]";
+  const Listener listener([&](std::string_view) { return reply; });
+  LoopbackClient client(listener.port());
   client.send("{}");
   EXPECT_TRUE(client.receiveReply() == reply);
 }
 
-TEST_F(Listener, IdleClientsHoldUpNobody) {
-  serve(echo);
+TEST(Listener, ServesOthersWhileClientsAreIdle) {
+  const Listener listener(echo);
   std::deque<LoopbackClient> idle;
-  for (int i = 0; i < 50; ++i) idle.emplace_back(port()).send("{\"unfinished");
-  LoopbackClient client(port());
+  for (int i = 0; i < 50; ++i) idle.emplace_back(listener.port()).send("{\"unfinished");
+  LoopbackClient client(listener.port());
   client.send("{}");
   EXPECT_EQ(client.receiveReply(), "{}");
 }
 
-TEST_F(Listener, LongCallHoldsUpNobody) {
+TEST(Listener, ServesOthersWhileACallTakesLong) {
   std::promise<void> finish;
   auto finished = finish.get_future().share();
-  serve([finished](std::string_view request) {
+  const Listener listener([finished](std::string_view request) {
     if (request == R"({"slow":1})") finished.wait();
     return std::string(request);
   });
-  LoopbackClient slow(port());
+  LoopbackClient slow(listener.port());
   slow.send(R"({"slow":1})");
-  LoopbackClient quick(port());
+  LoopbackClient quick(listener.port());
   quick.send("{}");
   EXPECT_EQ(quick.receiveReply(), "{}");
   finish.set_value();
   EXPECT_EQ(slow.receiveReply(), R"({"slow":1})");
 }
 
-TEST_F(Listener, ClientThatLeavesEarlyDoesNoHarm) {
-  serve(echo);
+TEST(Listener, SurvivesClientsThatLeaveEarly) {
+  const Listener listener(echo);
   for (int i = 0; i < 20; ++i) {
-    LoopbackClient client(port());
+    LoopbackClient client(listener.port());
     client.send(i % 2 == 0 ? "{\"unfinished" : "{}");
   }
-  LoopbackClient client(port());
+  LoopbackClient client(listener.port());
   client.send("{}");
   EXPECT_EQ(client.receiveReply(), "{}");
+}
+
+TEST(Listener, EndsWhileClientsAreConnected) {
+  std::deque<LoopbackClient> clients;
+  {
+    const Listener listener(echo);
+    clients.emplace_back(listener.port());
+    clients.emplace_back(listener.port()).send("{\"unfinished");
+    clients.emplace_back(listener.port()).send("{}");
+    EXPECT_EQ(clients.back().receiveReply(), "{}");
+  }
+  for (LoopbackClient& client : clients) EXPECT_TRUE(client.isClosedWithin(10));
 }
 
 }  // namespace

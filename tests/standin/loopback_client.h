@@ -4,22 +4,22 @@
 #include <string>
 #include <string_view>
 
-/// A plain socket to a port of 127.0.0.1, as the server would open it. Nothing it does waits
-/// longer than ten seconds.
+/// A connection to a port of 127.0.0.1, as the server would open it. Nothing waits longer than ten
+/// seconds.
 class LoopbackClient {
  public:
-  /// Connects; throws std::system_error when it can't.
+  /// Connects. Throws std::system_error if that fails.
   explicit LoopbackClient(std::uint16_t port);
   ~LoopbackClient();
   LoopbackClient(const LoopbackClient&) = delete;
   LoopbackClient& operator=(const LoopbackClient&) = delete;
 
-  /// Sends all bytes; throws when the other side takes no more.
+  /// Sends all bytes. Throws std::system_error if that fails.
   void send(std::string_view bytes);
-  /// Receives until what came is a complete JSON text, and returns it; what came so far when
-  /// the other side closes or ten seconds pass without a byte.
+  /// Receives a JSON object or array. Returns what has been received so far if the other side
+  /// closes, or if nothing arrives for ten seconds.
   std::string receiveReply();
-  /// True if the other side has closed, or closes within that many seconds, without a byte.
+  /// True if the other side closes within this time without sending anything.
   bool isClosedWithin(int seconds);
 
  private:

@@ -13,13 +13,11 @@ constexpr std::string_view token = "the token";
 
 }  // namespace
 
-ServedFolders::ServedFolders(bool writable) {
+ServedFolders::ServedFolders(bool writable) : dispatch_(drives_, std::string(token)) {
   fs::create_directory(alpha());
   fs::create_directory(beta());
-  auto drives = standin::Drives::open({alpha(), beta()}, writable);
-  if (!drives) throw std::runtime_error(drives.error().sentence);
-  drives_ = std::move(*drives);
-  dispatch_ = std::make_unique<standin::Dispatch>(*drives_, std::string(token));
+  drives_.add(alpha(), writable);
+  drives_.add(beta(), writable);
 }
 
 fs::path ServedFolders::alpha(std::string_view path) const {
@@ -33,7 +31,7 @@ fs::path ServedFolders::outside(std::string_view path) const {
 }
 
 json ServedFolders::reply(std::string_view request) {
-  return json::parse(dispatch_->answer(request));
+  return json::parse(dispatch_.answer(request));
 }
 
 json ServedFolders::call(std::string_view tool, json arguments) {

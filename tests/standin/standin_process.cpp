@@ -11,39 +11,38 @@
 #include <csignal>
 #include <system_error>
 
+extern char** environ;  // NOLINT(readability-redundant-declaration): not every system's headers do
+
 namespace {
 
 constexpr int tenSeconds = 10000;
 
-[[noreturn]] void fail(int error, const char* what) {
-  throw std::system_error(error, std::generic_category(), what);
+void check(int error, const char* what) {
+  if (error != 0) throw std::system_error(error, std::generic_category(), what);
 }
 
 }  // namespace
 
-StandinProcess::StandinProcess(const std::filesystem::path& home, std::vector<std::string> words) {
-  words.insert(words.begin(), QUILLMARK_STANDIN_BINARY);
-  std::vector<char*> arguments;
-  arguments.reserve(words.size() + 1);
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
-  std::string homeVariable = "HOME=" + home.native();
-  std::array<char*, 2> environment{homeVariable.data(), nullptr};
+StandinProcess::StandinProcess(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), QUILLMARK_STANDIN_BINARY);
+  std::vector<char*> words;
+  words.reserve(arguments.size() + 1);
+  for (std::string& argument : arguments) words.push_back(argument.data());
+  words.push_back(nullptr);
   std::array<int, 2> ends{};
-  if (::pipe(ends.data()) != 0) fail(errno, "pipe");
-  for (const int end : ends) ::fcntl(end, F_SETFD, FD_CLOEXEC);
+  check(::pipe(ends.data()) == 0 ? 0 : errno, "pipe");
+  output_ = ends[0];
+  ::fcntl(output_, F_SETFD, FD_CLOEXEC);
   posix_spawn_file_actions_t actions{};
   ::posix_spawn_file_actions_init(&actions);
   ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+  ::posix_spawn_file_actions_addclose(&actions, ends[1]);
   ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-  const int error = ::posix_spawn(&process_, arguments.front(), &actions, nullptr, arguments.data(),
-                                  environment.data());
+  const int error =
+      ::posix_spawn(&process_, words.front(), &actions, nullptr, words.data(), environ);
   ::posix_spawn_file_actions_destroy(&actions);
   ::close(ends[1]);
-  output_ = ends[0];
-  if (error == 0) return;
-  ::close(output_);
-  fail(error, "posix_spawn");
+  check(error, words.front());
 }
 
 StandinProcess::~StandinProcess() {
@@ -70,13 +69,12 @@ int StandinProcess::stop(int signal) {
 }
 
 int StandinProcess::waitForEnd() {
-  // Its output ends when it does, so nothing need be asked over and over.
+  // Its output is open until it ends; after that, it needs a moment to be collected.
   for (char rest = 0; readByte(rest);) continue;
   int status = 0;
-  if (::waitpid(process_, &status, WNOHANG) == 0) {
-    pollfd nothing{.fd = -1, .events = 0, .revents = 0};
-    ::poll(&nothing, 1, 500);  // between the closing of its output and its end
-    if (::waitpid(process_, &status, WNOHANG) == 0) return -1;
+  for (int tries = 0; ::waitpid(process_, &status, WNOHANG) == 0; ++tries) {
+    if (tries == 1000) return -1;
+    ::poll(nullptr, 0, 10);
   }
   process_ = -1;
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;

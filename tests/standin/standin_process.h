@@ -2,26 +2,24 @@
 
 #include <sys/types.h>
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
-/// The built stand-in as a child process with a home folder of its own. Its standard error
-/// goes nowhere.
+/// The built stand-in as a child process. Its standard error is discarded.
 class StandinProcess {
  public:
-  /// Starts it with these words on its command line; throws std::system_error when it can't.
-  StandinProcess(const std::filesystem::path& home, std::vector<std::string> words);
+  /// Starts it with these arguments. Throws std::system_error if that fails.
+  explicit StandinProcess(std::vector<std::string> arguments);
   /// Kills it if it still runs.
   ~StandinProcess();
   StandinProcess(const StandinProcess&) = delete;
   StandinProcess& operator=(const StandinProcess&) = delete;
 
-  /// The next line it prints, without its end, waiting at most ten seconds for each part.
+  /// The next line of output. What has been received so far, if nothing arrives for ten seconds.
   std::string readLine();
   /// Sends the signal and returns waitForEnd().
   int stop(int signal);
-  /// The status it ends with, or -1 when it was killed or ran on for ten seconds.
+  /// The exit status, or -1 if the process is killed or still runs after ten seconds.
   int waitForEnd();
 
  private:
