@@ -8,9 +8,11 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
+#include <string>
+#include <string_view>
 #include <system_error>
 
+#include "bridge/home_directory.h"
 #include "tests/support/private_mounts.h"
 
 extern char** environ;  // NOLINT(readability-redundant-declaration): not everywhere declared
@@ -31,10 +33,11 @@ struct ChildPlan {
       : setup(wanted), streams(ends), mounts(wanted.overUsrBin) {
     arguments.emplace_back(QUILLMARK_MCP_BINARY);
     arguments.insert(arguments.end(), setup.arguments.begin(), setup.arguments.end());
+    const std::string homeIs = std::string(bridge::homeVariable) + "=";
     for (char** entry = environ; *entry != nullptr; ++entry) {
-      if (std::strncmp(*entry, "HOME=", 5) != 0) environment.emplace_back(*entry);
+      if (!std::string_view(*entry).starts_with(homeIs)) environment.emplace_back(*entry);
     }
-    environment.push_back("HOME=" + home.home().string());
+    environment.push_back(homeIs + home.home().string());
     environment.insert(environment.end(), setup.environment.begin(), setup.environment.end());
     argumentPointers = pointersTo(arguments);
     environmentPointers = pointersTo(environment);

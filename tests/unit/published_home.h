@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "bridge/home_directory.h"
 #include "tests/support/endpoint_file.h"
 #include "tests/support/temporary_home.h"
 
@@ -12,16 +13,16 @@
 class PublishedHome {
  public:
   PublishedHome() {
-    if (const char* before = std::getenv("HOME")) before_ = before;
-    setenv("HOME", home_.home().c_str(), 1);
+    if (const char* before = std::getenv(bridge::homeVariable)) before_ = before;
+    setenv(bridge::homeVariable, home_.home().c_str(), 1);
   }
   PublishedHome(const PublishedHome&) = delete;
   PublishedHome& operator=(const PublishedHome&) = delete;
   ~PublishedHome() {
     if (before_) {
-      setenv("HOME", before_->c_str(), 1);
+      setenv(bridge::homeVariable, before_->c_str(), 1);
     } else {
-      unsetenv("HOME");
+      unsetenv(bridge::homeVariable);
     }
   }
 
