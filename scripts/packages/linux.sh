@@ -1,17 +1,20 @@
 # Sourced by scripts/package: the packages for the Linux on which it runs. $tree has the sources,
-# $packages gets the packages.
+# $packages gets the packages of $version.
 
-# Everybody may read what is in them, and on Debian root owns it, whoever makes them.
 linux_packages() {  # [CMAKE OPTION]...
-  local pack=(cpack -G TGZ)
-  ! command -v dpkg-shlibdeps >/dev/null || pack=(fakeroot cpack -G 'TGZ;DEB')
+  local build=$tree/build/install
   (
-    umask 022
     cd "$tree"
     quietly cmake --preset install "$@"
     cmake --build --preset install
-    cd build/install
-    quietly "${pack[@]}" -B "$PWD/packed"
+    DESTDIR=$build/root quietly cmake --install "$build" --strip --prefix /usr/local
   )
-  find "$tree/build/install/packed" -maxdepth 1 -type f -exec cp {} "$packages" \;
+  archive "$build/root/usr/local" "quillmark-mcp-$version-Linux-$(uname -m)"
+  ! command -v dpkg-shlibdeps >/dev/null || debian_package "$build"
+}
+
+# Root owns the files in it, whoever makes it.
+debian_package() {  # FOLDER OF THE BUILD
+  (cd "$1" && quietly fakeroot cpack -G DEB -B "$1/packed")
+  cp "$1"/packed/*.deb "$packages"
 }

@@ -5,17 +5,6 @@ macos_root() {
   echo "$tree/build/macos/root/usr/local"
 }
 
-# CPack packs a folder as it is; on Linux, root owns the files, whoever makes them.
-macos_archive() {
-  local pack=(cpack)
-  ! command -v fakeroot >/dev/null || pack=(fakeroot cpack)
-  (cd "$tree/build" && quietly "${pack[@]}" --config /dev/null -G TGZ -B "$tree/build/macos/packed" \
-    -D CPACK_PACKAGE_NAME=quillmark-mcp -D CPACK_PACKAGE_VERSION="$version" \
-    -D CPACK_PACKAGE_FILE_NAME="quillmark-mcp-$version-macos-universal" \
-    -D CPACK_INSTALLED_DIRECTORIES="$(macos_root);/")
-  cp "$tree/build/macos/packed/quillmark-mcp-$version-macos-universal.tar.gz" "$packages"
-}
-
 # The manifest lists the tools that the program for this system announces. Packed by zip, with the
 # commit's time: the bundle's own tool would write the time of day.
 bundle() {  # TEMPLATES PROGRAM FOR THIS SYSTEM
