@@ -6,7 +6,7 @@
 
 import { readFileSync } from "node:fs";
 import { readExecutable } from "./executable.mjs";
-import { signatureFaults } from "./signature.mjs";
+import { isSignedAdHoc, signatureFaults } from "./signature.mjs";
 
 const mostBytes = 1.2 * 1024 * 1024;
 const cLibrary = "/usr/lib/libSystem.B.dylib";
@@ -33,6 +33,7 @@ function checkPart(part) {
   for (const library of part.libraries) fail(libraries.includes(library), `uses ${library}`);
   if (part.processor === "arm64" || part.signature) {
     for (const fault of signatureFaults(part)) fail(false, fault);
+    if (part.signature && !systemCompiler) fail(isSignedAdHoc(part), "not signed ad hoc");
   }
 }
 
@@ -55,7 +56,7 @@ if (!systemCompiler) checkImports();
 for (const fault of faults) console.error(`${name}: ${fault}`);
 if (faults.length > 0) process.exit(1);
 for (const { processor, bytes, imports, signature } of parts) {
-  const signed = signature ? "signed ad hoc" : "unsigned";
+  const signed = signature ? "signed" : "unsigned";
   console.log(`${processor}: ${bytes.length} bytes, ${imports.length} imports, ${signed}`);
 }
 console.log(`${name}: ${file.length} bytes, as it should be`);

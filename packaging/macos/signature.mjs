@@ -1,4 +1,4 @@
-// Recomputes the hashes of an ad-hoc code signature. The kernel of a Mac with an ARM processor ends
+// Recomputes the hashes of a code signature. The kernel of a Mac with an ARM processor ends
 // a program at once when a page does not have the hash that its signature names.
 
 import { createHash } from "node:crypto";
@@ -22,7 +22,6 @@ function directoryFaults(part, directory) {
   if (!algorithm) return [`unknown hash ${directory[37]}`];
   const pageSize = 1 << directory[39];
   const faults = [];
-  if ((directory.readUInt32BE(12) & adHoc) === 0) faults.push("the signature is not ad hoc");
   if (limit !== part.signature.offset) faults.push("the signature does not cover the whole file");
   if (pages !== Math.ceil(limit / pageSize)) faults.push("the signature lacks pages");
   for (let page = 0; page < pages; ++page) {
@@ -32,6 +31,12 @@ function directoryFaults(part, directory) {
     if (!hash.equals(directory.subarray(start, start + length))) faults.push(`page ${page} changed`);
   }
   return faults;
+}
+
+/// Whether the signature of a part names no signer.
+export function isSignedAdHoc(part) {
+  return [...codeDirectories(part.signature.bytes)].every(
+    (directory) => (directory.readUInt32BE(12) & adHoc) !== 0);
 }
 
 /// What is wrong with the signature of a part that readExecutable() returned, a line each.

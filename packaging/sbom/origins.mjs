@@ -31,6 +31,7 @@ const debian = [
 ];
 
 function fromDebian(files) {
+  const [, system] = /^ID=(\w+)$/m.exec(readFileSync("/etc/os-release", "utf8"));
   const owners = run("dpkg-query", "-S", ...files).trim().split("\n");
   const packages = [...new Set(owners.map((line) => line.split(":")[0]))];
   return packages.flatMap((name) => {
@@ -38,7 +39,7 @@ function fromDebian(files) {
     if (component === undefined) throw new Error(`unknown origin of headers: package ${name}`);
     if (component === null) return [];
     const version = run("dpkg-query", "-W", "-f", "${Version}\n", name).split("\n")[0];
-    return [{ ...component, version, purl: `pkg:deb/debian/${encodeURIComponent(name)}@${version}` }];
+    return [{ ...component, version, purl: `pkg:deb/${system}/${encodeURIComponent(name)}@${version}` }];
   });
 }
 
