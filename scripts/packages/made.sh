@@ -2,8 +2,11 @@
 
 packages=$PWD/build/packages
 
+# The archive of the sources is the only one that says which commit it is of.
 archived_commit() {
-  gzip -dc "$packages"/quillmark-mcp-*[0-9].tar.gz 2>/dev/null | git get-tar-commit-id 2>/dev/null
+  local archive
+  archive=$(find "$packages" -name "quillmark-mcp-*.tar.gz" ! -name "quillmark-mcp-*-*" 2>/dev/null)
+  [ -z "$archive" ] || gzip -dc "$archive" | git get-tar-commit-id
 }
 
 # Makes the packages of the last commit, unless an earlier check has made them.
