@@ -80,7 +80,8 @@ int LoopbackSocket::error() const {
 }
 
 /// If no program listens on the port, the system can choose that port as the local one. TCP then
-/// connects the socket to itself.
+/// connects the socket to itself. On macOS, where both ports come from the same 16,384, that is one
+/// attempt in 16,384, and a call can make a thousand attempts.
 bool LoopbackSocket::isSelfConnected(std::uint16_t port) const {
   sockaddr_in local{};
   socklen_t size = sizeof local;

@@ -47,7 +47,9 @@ bool NWConnectionBox::connect(UptimeClock::time_point deadline) {
     // Accepted and reset at once: the exchange has failed, the application is there.
     if (error == ECONNRESET) return finish();
     socket_.close();
-    std::this_thread::sleep_until(std::min(deadline, UptimeClock::now() + retryPause));
+    // sleep_until() with this clock waits by the wall clock in some C++ libraries.
+    const UptimeClock::duration left = deadline - UptimeClock::now();
+    std::this_thread::sleep_for(std::min<UptimeClock::duration>(left, retryPause));
   }
   return false;
 }

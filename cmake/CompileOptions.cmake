@@ -33,6 +33,8 @@ target_compile_options(quillmark_options INTERFACE
   $<${release}:-fstack-protector-strong>
   $<${release}:-ffunction-sections>
   $<${release}:-fdata-sections>
+  # No folder of the machine that builds it is in the program.
+  $<${release}:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>
   $<${release}:-U_FORTIFY_SOURCE>
   $<${release}:-D_FORTIFY_SOURCE=2>
   $<$<AND:${release},${linux}>:-fstack-clash-protection>)

@@ -28,11 +28,6 @@ as_root() {
   if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-apt_install() {  # [APT OPTION | PACKAGE]...
-  as_root env LC_ALL=C DEBIAN_FRONTEND=noninteractive apt-get install \
-    --no-install-recommends -o DPkg::Lock::Timeout=300 "$@"
-}
-
 candidate() {  # PACKAGE -> the version that apt would install; nothing if it knows none
   LC_ALL=C apt-cache policy "$1" |
     sed -n "/^$1:/,/Version table/s/^ *Candidate: \\([0-9]*:\\)\\{0,1\\}\\([0-9][^-+]*\\).*/\\2/p"
@@ -105,9 +100,17 @@ show_progress() {
   [ ! -t 1 ] || printf '\n'
 }
 
+# The status goes to standard output by way of another descriptor: dpkg closes the status descriptor
+# for the scripts of packages, and some of them fail without a standard output.
+apt_install() {
+  as_root env LC_ALL=C DEBIAN_FRONTEND=noninteractive sh -c 'exec "$@" 3>&1 1>&2' sh apt-get install \
+    --no-install-recommends -o DPkg::Lock::Timeout=300 -y -qq -o Dpkg::Use-Pty=0 \
+    -o APT::Status-Fd=3 "${missing[@]}"
+}
+
 install_missing() {
   : >"$log"
-  apt_install -y -qq -o Dpkg::Use-Pty=0 -o APT::Status-Fd=1 "${missing[@]}" 2>&1 | show_progress ||
+  apt_install 2>>"$log" | show_progress ||
     {
       ! grep -Eq 'resolving|connect' "$log" || no_network
       cat "$log" >&2

@@ -1,8 +1,5 @@
-# CPack runs this on the staged files before it packs them: what Debian wants of a package and
-# nobody else does. The manual page and the change log are gzip'ed, the copyright stands by them.
-if(NOT CPACK_GENERATOR STREQUAL "DEB")
-  return()
-endif()
+# CPack runs this on the staged files before it packs them. It adds what only Debian asks for: the
+# copyright, and a manual page and a change log that are compressed.
 
 set(share ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/share)
 set(documents ${share}/doc/quillmark-mcp)

@@ -1,4 +1,4 @@
-# What the .deb says about itself; finish.cmake gives it the files that only a .deb has.
+# The .deb: what it says about itself. finish.cmake adds the files that only a .deb has.
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
@@ -12,7 +12,7 @@ over standard input and output. It relays every tool call to the Quillmark
 desktop application on the same machine, which holds the user's cloud drives.
 
 The application itself exists for macOS only. On this system the server
-serves development and testing, with a stand-in for the application.")
+is for development and testing, with a stand-in for the application.")
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/debian/finish.cmake)
 set(CPACK_QUILLMARK_COPYRIGHT ${CMAKE_CURRENT_SOURCE_DIR}/debian/copyright)
 set(CPACK_QUILLMARK_CHANGELOG ${CMAKE_CURRENT_BINARY_DIR}/debian/changelog)

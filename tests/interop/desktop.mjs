@@ -10,6 +10,9 @@ import { fileURLToPath } from 'node:url';
 const build = fileURLToPath(new URL('../../build/dev/', import.meta.url));
 const watchedServer = fileURLToPath(new URL('watched_server.mjs', import.meta.url));
 
+/** Names the user's home directory for the server, which ignores HOME on macOS. */
+const homeVariable = process.platform === 'darwin' ? 'CFFIXED_USER_HOME' : 'HOME';
+
 // Something for every tool to find: a plan to rewrite, a file that is there twice, one that is
 // large and old.
 async function prepareDrives(place) {
@@ -59,7 +62,7 @@ export class Desktop {
     return {
       command: process.execPath,
       args: [watchedServer, path.join(build, 'quillmark-mcp'), this.#endings],
-      env: { HOME: this.home },
+      env: { [homeVariable]: this.home },
     };
   }
 

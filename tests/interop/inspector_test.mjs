@@ -13,7 +13,8 @@ const folder = fileURLToPath(
 );
 
 async function inspect({ command, args, env }, ...request) {
-  const words = [path.join(folder, 'cli.js'), '--cli', '-e', `HOME=${env.HOME}`, command, ...args];
+  const settings = Object.entries(env).flatMap(([name, value]) => ['-e', `${name}=${value}`]);
+  const words = [path.join(folder, 'cli.js'), '--cli', ...settings, command, ...args];
   const { stdout } = await promisify(execFile)(process.execPath, [...words, ...request], {
     cwd: folder,
   });

@@ -8,9 +8,11 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <string>
 #include <string_view>
 #include <system_error>
 
+#include "bridge/home_directory.h"
 #include "tests/support/private_mounts.h"
 
 extern char** environ;  // NOLINT(readability-redundant-declaration): not every system declares it
@@ -31,11 +33,11 @@ struct ChildPlan {
       : setup(serverSetup), streams(childStreams), mounts(serverSetup.overUsrBin) {
     arguments.emplace_back(QUILLMARK_MCP_BINARY);
     arguments.insert(arguments.end(), setup.arguments.begin(), setup.arguments.end());
+    const std::string homeIs = std::string(bridge::homeVariable) + "=";
     for (char** entry = environ; *entry != nullptr; ++entry) {
-      if (!std::string_view(*entry).starts_with("HOME=")) environment.emplace_back(*entry);
+      if (!std::string_view(*entry).starts_with(homeIs)) environment.emplace_back(*entry);
     }
-    environment.push_back("HOME=" + home.home().string());
-    environment.push_back("CFFIXED_USER_HOME=" + home.home().string());  // for macOS
+    environment.push_back(homeIs + home.home().string());
     environment.insert(environment.end(), setup.environment.begin(), setup.environment.end());
     argumentPointers = pointersTo(arguments);
     environmentPointers = pointersTo(environment);

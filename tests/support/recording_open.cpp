@@ -12,6 +12,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "bridge/home_directory.h"
 #include "tests/support/file_identity.h"
 
 namespace {
@@ -70,7 +71,7 @@ void writeRecord(const fs::path& folder, const json& record) {
 
 int main(int, char** arguments, char** environment) {
   const auto startedAt = std::chrono::steady_clock::now().time_since_epoch().count();
-  const char* home = std::getenv("HOME");
+  const char* home = std::getenv(bridge::homeVariable);
   if (home == nullptr) return 3;
   const fs::path folder = fs::path(home).parent_path();
   writeRecord(folder / "launches", recordOf(arguments, environment, startedAt));
