@@ -141,18 +141,20 @@ class Reader::Steps {
   }
 
   Progress openContainer(Kind kind, Next next) {
-    if (reader_.depth_ == deepestNesting) return Progress::malformed;
-    reader_.open_[reader_.depth_++] = reader_.nodes_.size();
+    if (reader_.depth_++ == deepestNesting) return Progress::malformed;
     addNode(kind);
+    // Until it is closed, its count is the index of the container around it.
+    reader_.nodes_.last().setDescendants(reader_.innermost_);
+    reader_.innermost_ = reader_.nodes_.size() - 1;
     ++at_;
     return expect(next);
   }
 
   Progress closeContainer() {
-    const std::size_t index = reader_.open_[--reader_.depth_];
+    const std::size_t index = std::exchange(reader_.innermost_, innermost().descendants());
     reader_.nodes_[index].setDescendants(reader_.nodes_.size() - index - 1);
     ++at_;
-    return expect(reader_.depth_ == 0 ? Next::nothing : Next::commaOrEnd);
+    return expect(--reader_.depth_ == 0 ? Next::nothing : Next::commaOrEnd);
   }
 
   Progress expect(Next next) {
@@ -166,9 +168,7 @@ class Reader::Steps {
     node.setLength(offset() - node.begin());
   }
 
-  [[nodiscard]] const Node& innermost() const {
-    return reader_.nodes_[reader_.open_[reader_.depth_ - 1]];
-  }
+  [[nodiscard]] const Node& innermost() const { return reader_.nodes_[reader_.innermost_]; }
   [[nodiscard]] std::size_t offset() const { return static_cast<std::size_t>(at_ - begin_); }
 
   Reader& reader_;

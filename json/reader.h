@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -56,8 +55,8 @@ class Reader {
   std::string_view text_;
   std::size_t offset_ = 0;  // of the first byte not read yet
   common::Buffer<Node> nodes_;
-  std::array<std::size_t, deepestNesting> open_;  // the containers around it, as indices of nodes
-  std::size_t depth_ = 0;
+  std::size_t innermost_ = 0;  // the node of the open container around it
+  std::size_t depth_ = 0;      // of open containers
   Next next_{};
   State state_ = State::incomplete;
 };
