@@ -30,8 +30,11 @@ struct StartFailure {
 // not allocate memory.
 struct ChildPlan {
   ChildPlan(const TemporaryHome& home, const ServerSetup& serverSetup, ChildStreams childStreams)
-      : setup(serverSetup), streams(childStreams), mounts(serverSetup.overUsrBin) {
-    arguments.emplace_back(QUILLMARK_MCP_BINARY);
+      : setup(serverSetup),
+        streams(childStreams),
+        mounts(serverSetup.overUsrBin),
+        arguments(serverSetup.command) {
+    if (arguments.empty()) arguments.emplace_back(QUILLMARK_MCP_BINARY);
     arguments.insert(arguments.end(), setup.arguments.begin(), setup.arguments.end());
     const std::string homeIs = std::string(bridge::homeVariable) + "=";
     for (char** entry = environ; *entry != nullptr; ++entry) {

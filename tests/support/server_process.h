@@ -15,6 +15,8 @@
 
 /// How to start a server, where a test needs something unusual.
 struct ServerSetup {
+  /// The program and its first arguments; empty: the built server.
+  std::vector<std::string> command;
   std::vector<std::string> arguments;
   /// Entries such as "NAME=value", added to the environment of the test.
   std::vector<std::string> environment;
