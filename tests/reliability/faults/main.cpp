@@ -16,7 +16,7 @@
 namespace {
 
 bool holds(const std::vector<std::string_view>& words) {
-  if (words.size() < 2) throw std::runtime_error("which server, short or full?");
+  if (words.size() < 2) throw std::runtime_error("which server, sample or full?");
   const bool isFull = words[1] == "full";
   Choice choice;
   if (words.size() > 2) choice.session = words[2];
