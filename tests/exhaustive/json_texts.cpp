@@ -31,13 +31,13 @@ constexpr Family strings{
     {"\\", "\"", "/", "u", "n", "d800", "dc00", "0041", "\xC3", "\xA9", "\xED", "\x1F"},
     "\"]"};
 
-/// Whether this code and the reference agree on the text. The reference gives no verdict on numbers
+/// Whether this code and the reference agree on the text. The reference does not judge numbers
 /// that no double can hold.
 bool agree(const std::string& text) {
-  const reference::Verdict verdict = reference::verdict(text);
-  if (verdict == reference::Verdict::none) return true;
+  const reference::Validity validity = reference::validity(text);
+  if (validity == reference::Validity::unknown) return true;
   const auto written = compact(text);
-  const bool accepted = verdict == reference::Verdict::wellFormed;
+  const bool accepted = validity == reference::Validity::valid;
   if (!accepted || !written) return accepted == written.has_value();
   const auto tree = reference::tree(text);
   return reference::tree(*written) == tree && written->size() == reference::compact(tree).size() &&

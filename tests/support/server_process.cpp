@@ -133,8 +133,8 @@ std::optional<std::string> ServerProcess::readLine(Duration within) {
   }
 }
 
-std::string ServerProcess::readSome(std::size_t atMost) {
-  if (unread_.empty()) receiveOutput(generous, atMost);
+std::string ServerProcess::readSome(std::size_t atMost, Duration within) {
+  if (unread_.empty()) receiveOutput(within, atMost);
   std::string some = unread_.substr(0, atMost);
   unread_.erase(0, some.size());
   return some;
@@ -158,8 +158,8 @@ bool ServerProcess::collectExit() {
 
 // Waits for the process rather than for the end of its output, which a launched child may keep
 // open.
-ExitStatus ServerProcess::waitForExit() {
-  const auto deadline = Clock::now() + generous;
+ExitStatus ServerProcess::waitForExit(Duration within) {
+  const auto deadline = Clock::now() + within;
   while (!ended_ && !collectExit()) {
     if (Clock::now() > deadline) throw std::runtime_error("the server does not exit");
     if (!receiveOutput(Duration(5), std::size_t{1} << 16)) ::usleep(1000);

@@ -65,12 +65,12 @@ class ServerProcess {
   /// The next line of output without its line feed; none if it is not complete in time.
   std::optional<std::string> readLine(Duration within = generous);
   /// The output that is there, at most this many bytes. Empty if there is none in time.
-  std::string readSome(std::size_t atMost);
+  std::string readSome(std::size_t atMost, Duration within = generous);
   /// With datagramOutput: the bytes of one write.
   std::string readWrite();
 
   /// Waits for the end of the process and reads its output meanwhile.
-  ExitStatus waitForExit();
+  ExitStatus waitForExit(Duration within = generous);
   /// After waitForExit(): the output that no call has returned.
   const std::string& unreadOutput() const { return unread_; }
 

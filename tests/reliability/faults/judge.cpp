@@ -93,10 +93,10 @@ class Judge {
     verdict_.callFailed = true;
     require(wasHit(index, {Effect::callFails, Effect::processAborts}),
             "a wrong answer: " + beginningOf(result.dump()));
-    if (result == failure(couldNotBeStarted)) {
+    if (result == errorResult(couldNotBeStarted)) {
       require(callsOf(index) == 0, timesSeen(index) + ", although it could not be started");
     } else {
-      require(result == failure(unreadableReply) || result == failure(noResponse),
+      require(result == errorResult(unreadableReply) || result == errorResult(noResponse),
               "another sentence: " + beginningOf(result.dump()));
       require(callsOf(index) <= 1, timesSeen(index));
     }

@@ -83,8 +83,8 @@ std::vector<Session> allSessions() {
        .appHasToBeStarted = true},
       {.name = "an application that refuses",
        .asked = Requests()
-                    .call("refuse", failure("Not now."))
-                    .call("shrug", failure(refusedRequest))
+                    .call("refuse", errorResult("Not now."))
+                    .call("shrug", errorResult(refusedRequest))
                     .thenTheUsual()},
       {.name = "several calls in a row",
        .asked = Requests().smallCall().smallCall().smallCall().smallCall().thenTheUsual()},

@@ -21,7 +21,7 @@ using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
 /// A probe of 3 seconds, 20 seconds after the launch, and a last probe with its pause.
-constexpr Seconds limit(26.4);
+constexpr Seconds longestWait(26.4);
 
 /// The most that one call may take of the processor. A call that finds the port refusing tries to
 /// connect about 1,200 times, every 20 ms. That costs some microseconds each on an idle machine,
@@ -48,7 +48,7 @@ Outcome callOfOneServer(const std::string& program, const RecordedOpen& open, st
   server.send(toolCall(R"({"name":"drive_status"})") + "\n");
   const auto line = server.readLine(std::chrono::seconds(120));
   outcome.took = Clock::now() - start;
-  outcome.right = line && nlohmann::json::parse(*line).at("result") == failure(couldNotBeStarted);
+  outcome.right = line && nlohmann::json::parse(*line).at("result") == errorResult(couldNotBeStarted);
   server.closeInput();
   outcome.processorTime = server.waitForExit().processorTime;
   outcome.launches = RecordedOpen::launches(home);
@@ -87,9 +87,9 @@ bool judge(std::string_view what, const std::vector<Outcome>& outcomes) {
       processorTime.count() / count * 1000, most.processorTime.count() * 1000);
   if (!right) std::printf("VIOLATION: a wrong answer\n");
   if (!launchedOnce) std::printf("VIOLATION: not one launch for each call\n");
-  if (most.took > limit) std::printf("VIOLATION: later than %.1f s\n", limit.count());
+  if (most.took > longestWait) std::printf("VIOLATION: later than %.1f s\n", longestWait.count());
   if (most.processorTime > mostProcessorTime) std::printf("VIOLATION: too much processor time\n");
-  return right && launchedOnce && most.took <= limit && most.processorTime <= mostProcessorTime;
+  return right && launchedOnce && most.took <= longestWait && most.processorTime <= mostProcessorTime;
 }
 
 }  // namespace
