@@ -24,6 +24,7 @@ void finishInBackground(std::unique_ptr<NWConnectionBox> box) {
   try {
     std::thread([box = std::move(box)] { box->send(UptimeClock::time_point::max()); }).detach();
   } catch (const std::system_error&) {
+    return;  // the connection has closed with the box
   }
 }
 

@@ -12,7 +12,8 @@
 #include "catalogue/tools.h"
 #include "tests/unit/written.h"
 
-// The end-to-end tests compare the texts with tools.json. These tests compare the JSON with the table.
+// The end-to-end tests compare the texts with tools.json. These tests compare the JSON with the
+// table.
 
 namespace {
 

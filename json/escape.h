@@ -45,7 +45,7 @@ constexpr Escaped escapeOnce(char character) {
       escaped.append(letter);
       return escaped;
     }
-    const auto unit = static_cast<unsigned>(character);
+    const auto unit = static_cast<unsigned char>(character);
     for (const char byte : {'u', '0', '0', hexDigits[unit >> 4U], hexDigits[unit & 0xFU]}) {
       escaped.append(byte);
     }

@@ -11,16 +11,15 @@
 namespace json {
 namespace {
 
-/// The first eight of the `size` bytes at `from`, the first one the highest, padded with zeroes.
-/// Reads no byte at or after `readableEnd`.
-std::uint64_t firstEightBytes(const char* from, std::size_t size, const char* readableEnd) {
+/// The first eight bytes of a name, the first one the highest, padded with zeroes. All bytes before
+/// `readableEnd`, which is not before the name's end, can be read.
+std::uint64_t firstEightBytes(std::string_view name, const char* readableEnd) {
   std::uint64_t key = 0;
   constexpr std::size_t eight = sizeof key;
-  if (readableEnd - from >= static_cast<std::ptrdiff_t>(eight)) {
-    std::memcpy(&key, from, eight);
-  } else {
-    std::memcpy(&key, from, std::min(size, eight));
-  }
+  const char* const from = name.data();
+  const std::size_t size = name.size();
+  const bool eightAreReadable = readableEnd - from >= static_cast<std::ptrdiff_t>(eight);
+  std::memcpy(&key, from, eightAreReadable ? eight : size);
   if constexpr (std::endian::native == std::endian::little) key = std::byteswap(key);
   if (size >= eight) return key;
   return size == 0 ? 0 : key & ~std::uint64_t{0} << 8 * (eight - size);
@@ -41,11 +40,9 @@ void sortFew(auto begin, auto end, auto isBefore) {
 
 std::uint64_t SortedMembers::keyOf(const Node* name) const {
   const Value value(text_, name);
-  if (!name->hasEscapes()) {
-    return firstEightBytes(value.token().data(), name->length(), text_.data() + text_.size());
-  }
+  if (!name->hasEscapes()) return firstEightBytes(value.token(), text_.data() + text_.size());
   const std::string decoded = value.string().value_or("");
-  return firstEightBytes(decoded.data(), decoded.size(), decoded.data() + decoded.size());
+  return firstEightBytes(decoded, decoded.data() + decoded.size());
 }
 
 /// Below, at or above 0.

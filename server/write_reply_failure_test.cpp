@@ -11,8 +11,8 @@
 #include "tests/unit/standard_output.h"
 
 // What is written after a write has failed. The output is a file that may not grow beyond a limit,
-// so each test decides where the first reply fails. It runs in a process of its own, because the state
-// of the output lasts as long as the process.
+// so each test decides where the first reply fails. It runs in a process of its own, because the
+// state of the output lasts as long as the process.
 
 namespace {
 

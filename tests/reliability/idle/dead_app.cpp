@@ -48,7 +48,8 @@ Outcome callOfOneServer(const std::string& program, const RecordedOpen& open, st
   server.send(toolCall(R"({"name":"drive_status"})") + "\n");
   const auto line = server.readLine(std::chrono::seconds(120));
   outcome.took = Clock::now() - start;
-  outcome.right = line && nlohmann::json::parse(*line).at("result") == errorResult(couldNotBeStarted);
+  outcome.right =
+      line && nlohmann::json::parse(*line).at("result") == errorResult(couldNotBeStarted);
   server.closeInput();
   outcome.processorTime = server.waitForExit().processorTime;
   outcome.launches = RecordedOpen::launches(home);
@@ -89,7 +90,8 @@ bool judge(std::string_view what, const std::vector<Outcome>& outcomes) {
   if (!launchedOnce) std::printf("VIOLATION: not one launch for each call\n");
   if (most.took > longestWait) std::printf("VIOLATION: later than %.1f s\n", longestWait.count());
   if (most.processorTime > mostProcessorTime) std::printf("VIOLATION: too much processor time\n");
-  return right && launchedOnce && most.took <= longestWait && most.processorTime <= mostProcessorTime;
+  return right && launchedOnce && most.took <= longestWait &&
+         most.processorTime <= mostProcessorTime;
 }
 
 }  // namespace
