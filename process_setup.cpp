@@ -19,19 +19,14 @@ void openMissingStandardStreams() {
   }
 }
 
-#ifdef __GLIBC__
-
+/// Does nothing with other C libraries, whose allocators have no such settings.
 void keepMemoryOfBigMessages() {
+#ifdef __GLIBC__
   constexpr int mebibyte = 1 << 20;
   mallopt(M_MMAP_THRESHOLD, 32 * mebibyte);
   mallopt(M_TRIM_THRESHOLD, 32 * mebibyte);
-}
-
-#else
-
-void keepMemoryOfBigMessages() {}  // other allocators have no such settings
-
 #endif
+}
 
 }  // namespace
 

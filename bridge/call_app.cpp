@@ -19,10 +19,6 @@ std::unexpected<BridgeFailure> failure(std::string message) {
   return std::unexpected(BridgeFailure{std::move(message)});
 }
 
-bool isTrue(const std::optional<json::Value>& value) {
-  return value && value->isTrue();
-}
-
 }  // namespace
 
 CallResult callApp(std::string_view tool, json::Value arguments) {
@@ -43,7 +39,7 @@ CallResult callResult(Outcome outcome) {
     return failure("Quillmark sent an unreadable reply.");
   }
   const json::Value reply = document->root();
-  if (isTrue(reply.member("ok"))) {
+  if (const auto ok = reply.member("ok"); ok && ok->isTrue()) {
     const json::Value result = reply.member("result").value_or(json::emptyObject());
     return AppResult(std::move(*outcome.reply), std::move(*document), result);
   }

@@ -28,8 +28,7 @@ struct Escaped {
 /// The most bytes that writing one character may touch.
 inline constexpr std::size_t longestCharacter = sizeof(Escaped);
 
-inline constexpr std::array<char, 16> hexDigits{'0', '1', '2', '3', '4', '5', '6', '7',
-                                                '8', '9', 'a', 'b', 'c', 'd', 'e', 'f'};
+inline constexpr std::string_view hexDigits = "0123456789abcdef";
 
 constexpr Escaped escapeOnce(char character) {
   Escaped escaped;

@@ -16,13 +16,11 @@ namespace {
 std::uint64_t firstEightBytes(std::string_view name, const char* readableEnd) {
   std::uint64_t key = 0;
   constexpr std::size_t eight = sizeof key;
-  const char* const from = name.data();
-  const std::size_t size = name.size();
-  const bool eightAreReadable = readableEnd - from >= static_cast<std::ptrdiff_t>(eight);
-  std::memcpy(&key, from, eightAreReadable ? eight : size);
+  const bool eightAreReadable = readableEnd - name.data() >= static_cast<std::ptrdiff_t>(eight);
+  std::memcpy(&key, name.data(), eightAreReadable ? eight : name.size());
   if constexpr (std::endian::native == std::endian::little) key = std::byteswap(key);
-  if (size >= eight) return key;
-  return size == 0 ? 0 : key & ~std::uint64_t{0} << 8 * (eight - size);
+  if (name.size() >= eight) return key;
+  return name.empty() ? 0 : key & ~std::uint64_t{0} << 8 * (eight - name.size());
 }
 
 /// Most objects have few members, and for these std::sort costs more than all the rest.

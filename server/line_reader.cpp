@@ -23,9 +23,7 @@ std::optional<std::string_view> LineReader::next(
   while (true) {
     const std::size_t lineFeed = rest().find('\n', searched);
     if (lineFeed != std::string_view::npos) {
-      std::string_view line = take(lineFeed + 1);
-      line.remove_suffix(1);
-      return withoutCarriageReturn(line);
+      return withoutCarriageReturn(take(lineFeed + 1).substr(0, lineFeed));
     }
     searched = rest().size();
     if (searched > 0) partial(withoutCarriageReturn(rest()));
