@@ -86,7 +86,9 @@ class Buffer {
 
   void grow(std::size_t count) {
     constexpr std::size_t most = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(T);
-    constexpr std::size_t least = 256 / sizeof(T);
+    // A smaller block would stay in the allocator's cache when freed, and split the memory of big
+    // messages.
+    constexpr std::size_t least = 2048 / sizeof(T);
     if (count > most - size_) throw std::bad_alloc();
     const std::size_t capacity = std::max({size_ + count, 2 * capacity_, least});
     void* grown = std::realloc(items_.get(), capacity * sizeof(T));
