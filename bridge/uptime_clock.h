@@ -15,17 +15,15 @@ struct UptimeClock {
   static constexpr bool is_steady = true;
 
   static time_point now() noexcept {
+#ifdef __APPLE__
+    constexpr clockid_t clock = CLOCK_UPTIME_RAW;  // CLOCK_MONOTONIC runs on during sleep
+#else
+    constexpr clockid_t clock = CLOCK_MONOTONIC;
+#endif
     timespec time{};
     clock_gettime(clock, &time);
     return time_point(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
   }
-
- private:
-#ifdef __APPLE__
-  static constexpr clockid_t clock = CLOCK_UPTIME_RAW;  // CLOCK_MONOTONIC runs on during sleep
-#else
-  static constexpr clockid_t clock = CLOCK_MONOTONIC;
-#endif
 };
 
 }  // namespace bridge

@@ -1,5 +1,7 @@
 #include "json/reader.h"
 
+#include <utility>
+
 #include "json/read_string.h"
 #include "json/scalar.h"
 
@@ -21,14 +23,6 @@ enum class Reader::Next : std::uint8_t {
   nothing
 };
 
-namespace {
-
-bool isWhiteSpace(char c) {
-  return c <= ' ' && (c == ' ' || c == '\n' || c == '\r' || c == '\t');
-}
-
-}  // namespace
-
 /// One call of Reader::read(). Each step reads one token, or as much of it as is there.
 class Reader::Steps {
  public:
@@ -48,6 +42,10 @@ class Reader::Steps {
   }
 
  private:
+  static bool isWhiteSpace(char c) {
+    return c <= ' ' && (c == ' ' || c == '\n' || c == '\r' || c == '\t');
+  }
+
   Progress step() {
     switch (next_) {
       case Next::insideName: return readCharacters(Next::colon);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 
 #include "common/bytes.h"
@@ -25,9 +24,8 @@ class Room {
 
  private:
   char* grow(char* to, std::size_t size) {
-    constexpr std::size_t leastRoom = 256;
     commit(to);
-    begin_ = out_.room(std::max(size, leastRoom));
+    begin_ = out_.room(size);
     limit_ = begin_ + (out_.capacity() - out_.size());
     return begin_;
   }
