@@ -146,7 +146,7 @@ class Writer {
     return appendLongString(from, end, to);
   }
 
-  // With everything inlined, writing long strings takes a fifth less time.
+  // With everything inlined, a call with a big argument takes 4 % less time.
   [[gnu::flatten]] char* appendLongString(const char* from, const char* end, char* to) {
     while (from != end) {
       to = room_.reserve(to, mostBytesPerByte * maskWidth + roomForMember);
