@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -86,7 +87,7 @@ TEST(PageEnd, ReadingIncompleteTextStaysBeforeIt) {
   PageEnd page;
   for (const std::string_view unit : units) {
     for (std::size_t length = 0; length <= longest; ++length) {
-      const std::string text = "{\"name\":\"" + repeated(unit, longest);
+      const std::string text = R"({"name":")" + repeated(unit, longest);
       Reader reader;
       const std::string_view cut = page.place(std::string_view(text).substr(0, 1 + length));
       ASSERT_EQ(reader.read(cut), Reader::State::incomplete) << unit << ' ' << length;
@@ -99,8 +100,9 @@ TEST(PageEnd, NamesOfEveryLengthAreSortedBeforeIt) {
   for (std::size_t length = 0; length <= 40; ++length) {
     for (const std::string_view end : {"1}", "\"\"}", "{}}"}) {
       const std::string name(length, 'n');
-      const std::string_view text =
-          page.place("{\"" + name + "b\":0,\"" + name + "\":" + std::string(end));
+      std::string object = R"({")" + name;
+      object.append(R"(b":0,")").append(name).append(R"(":)").append(end);
+      const std::string_view text = page.place(object);
       const auto document = read(text);
       ASSERT_TRUE(document);
       common::Bytes pretty;
