@@ -58,16 +58,4 @@ std::uint64_t findIn(const char* from, std::ptrdiff_t size, const char* readable
   return found & ~std::uint64_t{0} >> (maskWidth - size);
 }
 
-/// Copies `size` bytes and returns the end of the copy. Reads no byte at or after `readableEnd`;
-/// may write up to a block more than it copies. Most copies are short: this beats memcpy.
-inline char* copyShort(const char* from, std::ptrdiff_t size, const char* readableEnd, char* to) {
-  const std::ptrdiff_t rounded = (size + blockSize - 1) / blockSize * blockSize;
-  if (readableEnd - from < rounded) {
-    std::memcpy(to, from, static_cast<std::size_t>(size));
-  } else {
-    for (std::ptrdiff_t i = 0; i < rounded; i += blockSize) store(to + i, load(from + i));
-  }
-  return to + size;
-}
-
 }  // namespace json

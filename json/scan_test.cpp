@@ -86,21 +86,6 @@ TEST(FindIn, CountsOnlyTheGivenBytesAndReadsNoneAfterTheReadableOnes) {
   }
 }
 
-TEST(CopyShort, CopiesEverySizeAndReadsNothingAfterTheReadableBytes) {
-  for (std::size_t size = 0; size <= 70; ++size) {
-    for (std::size_t after = 0; after <= 20; ++after) {
-      std::vector<char> bytes(size + after);
-      for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>('A' + i % 50);
-      std::vector<char> copy(size + static_cast<std::size_t>(blockSize), '?');
-      const char* const readableEnd = bytes.data() + bytes.size();
-      const char* const end =
-          copyShort(bytes.data(), static_cast<std::ptrdiff_t>(size), readableEnd, copy.data());
-      ASSERT_EQ(end - copy.data(), static_cast<std::ptrdiff_t>(size));
-      ASSERT_EQ(std::string(copy.data(), size), std::string(bytes.data(), size));
-    }
-  }
-}
-
 TEST(IsEscaped, AfterAnOddNumberOfBackslashes) {
   const std::string text = "a" + std::string(20, '\\') + "b";
   for (std::size_t start = 0; start <= 1; ++start) {

@@ -23,17 +23,6 @@ std::uint64_t firstEightBytes(std::string_view name, const char* readableEnd) {
   return name.empty() ? 0 : key & ~std::uint64_t{0} << 8 * (eight - name.size());
 }
 
-/// Most objects have few members, and for these std::sort costs more than all the rest.
-void sortFew(auto begin, auto end, auto isBefore) {
-  constexpr std::ptrdiff_t few = 16;
-  if (end - begin > few) return std::sort(begin, end, isBefore);
-  for (auto next = begin; next != end; ++next) {
-    for (auto place = next; place != begin && isBefore(*place, *(place - 1)); --place) {
-      std::iter_swap(place, place - 1);
-    }
-  }
-}
-
 }  // namespace
 
 std::uint64_t SortedMembers::keyOf(const Node* name) const {
@@ -59,7 +48,7 @@ std::size_t SortedMembers::enter(const Node* object, Order order) {
   }
   const auto begin = members_.begin() + static_cast<std::ptrdiff_t>(first);
   // The last of a repeated name comes first, and so is the one that unique() keeps.
-  sortFew(begin, members_.end(), [this](const Member& a, const Member& b) {
+  std::sort(begin, members_.end(), [this](const Member& a, const Member& b) {
     if (a.key != b.key) return a.key < b.key;  // almost always
     const int names = compareNames(a.name, b.name);
     return names != 0 ? names < 0 : a.name > b.name;
@@ -69,8 +58,8 @@ std::size_t SortedMembers::enter(const Node* object, Order order) {
   };
   members_.erase(std::unique(begin, members_.end(), sameName), members_.end());
   if (order == Order::asGiven) {
-    sortFew(begin, members_.end(),
-            [](const Member& a, const Member& b) { return a.name < b.name; });
+    std::sort(begin, members_.end(),
+              [](const Member& a, const Member& b) { return a.name < b.name; });
   }
   return first;
 }

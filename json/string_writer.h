@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <string_view>
 
 #include "json/escape.h"
 #include "json/scan.h"
@@ -16,6 +18,12 @@ struct Copied {
   const char* from;
   char* to;
 };
+
+/// Copies bytes and returns the end of the copy.
+inline char* put(char* to, std::string_view bytes) {
+  std::memcpy(to, bytes.data(), bytes.size());
+  return to + bytes.size();
+}
 
 /// Writes a slash, or the escape that starts at `from`, in this writer's way.
 template <Escaping escaping>
@@ -45,8 +53,8 @@ std::uint64_t findToEscape(const char* from, std::ptrdiff_t size) {
 
 /// Copies at most 64 bytes from inside a well-formed string that ends at `end`, or a little
 /// further if an escape crosses their end. Escapes can be spelled in several ways; the copy has
-/// this writer's. Reads no byte at or after `readableEnd`. A byte can become four, and up to a
-/// block more may be touched.
+/// this writer's. Reads no byte at or after `readableEnd`. A byte can become four, and
+/// longestCharacter bytes more may be touched.
 template <Escaping escaping>
 Copied copyEscaped(const char* from, std::ptrdiff_t size, const char* end, const char* readableEnd,
                    char* to) {
@@ -59,14 +67,14 @@ Copied copyEscaped(const char* from, std::ptrdiff_t size, const char* end, const
     if constexpr (escaping == Escaping::once) {
       if (isEscaped(from, at)) continue;
     }
-    to = copyShort(from, at - from, readableEnd, to);
+    to = put(to, {from, at});
     const Copied written = writeEscaped<escaping>(at, end, to);
     from = written.from;
     to = written.to;
     if (from - begin >= size) return {from, to};
     stops &= ~std::uint64_t{0} << (from - begin);
   }
-  return {begin + size, copyShort(from, begin + size - from, readableEnd, to)};
+  return {begin + size, put(to, {from, begin + size})};
 }
 
 }  // namespace json

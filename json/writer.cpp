@@ -6,7 +6,8 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <iterator>
+#include <string_view>
 
 #include "json/escape.h"
 #include "json/node.h"
@@ -41,11 +42,6 @@ struct PrettyQuoted {
   static constexpr std::size_t expectedSize(std::size_t given) { return 2 * given; }
 };
 
-char* put(char* to, std::string_view bytes) {
-  std::memcpy(to, bytes.data(), bytes.size());
-  return to + bytes.size();
-}
-
 /// Writes a value and everything inside it. It recurses as deep as the value is nested, which the
 /// reader has limited.
 ///
@@ -66,7 +62,7 @@ class Writer {
  private:
   static constexpr std::size_t indent = 2;
   static constexpr std::ptrdiff_t shortToken = 2 * blockSize;
-  /// Enough for a short name, a short value, the punctuation, and copying whole blocks.
+  /// Enough for a short name, a short value, and the punctuation.
   static constexpr std::size_t roomForMember = 2 * shortToken + 64;
   static constexpr std::size_t roomForValue = shortToken + 32;
   static constexpr std::size_t mostBytesPerByte = 4;  // a slash, escaped twice
@@ -133,9 +129,9 @@ class Writer {
   }
 
   char* appendLiteral(const Node* literal, char* to) {
-    const auto size = static_cast<std::ptrdiff_t>(literal->length());
-    if (size > shortToken) to = room_.reserve(to, literal->length() + roomForValue);
-    return copyShort(text_ + literal->begin(), size, textEnd_, to);
+    const std::string_view token(text_ + literal->begin(), literal->length());
+    if (std::ssize(token) > shortToken) to = room_.reserve(to, token.size() + roomForValue);
+    return put(to, token);
   }
 
   char* appendString(const Node* string, char* to) {
