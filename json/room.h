@@ -10,29 +10,23 @@ namespace json {
 /// function rather than stored, so that it stays in a register.
 class Room {
  public:
-  explicit Room(common::Bytes& out) : out_(out), begin_(out.room(0)), limit_(begin_) {}
+  explicit Room(common::Bytes& out) : out_(out), begin_(out.room(0)) {}
 
   [[nodiscard]] char* begin() const { return begin_; }
 
-  /// Ensures room for `size` bytes at `to`, which may move.
+  /// Ensures room for `size` bytes at `to`, and returns where that place is now.
   char* reserve(char* to, std::size_t size) {
-    return static_cast<std::size_t>(limit_ - to) < size ? grow(to, size) : to;
+    commit(to);
+    begin_ = out_.room(size);
+    return begin_;
   }
 
   /// Makes everything before `to` part of the output.
   void commit(char* to) { out_.commit(static_cast<std::size_t>(to - begin_)); }
 
  private:
-  char* grow(char* to, std::size_t size) {
-    commit(to);
-    begin_ = out_.room(size);
-    limit_ = begin_ + (out_.capacity() - out_.size());
-    return begin_;
-  }
-
   common::Bytes& out_;
   char* begin_;
-  char* limit_;
 };
 
 }  // namespace json
