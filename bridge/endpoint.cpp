@@ -30,8 +30,8 @@ class File {
 
   /// The whole contents; none if they cannot be read, are too long, or are being changed.
   ///
-  /// Two single reads must agree. The application may overwrite the file while it is read, and then
-  /// the bytes can be a mixture of two versions, the port of one and the token of the other.
+  /// Reads everything twice; both results must agree. The application may overwrite the file during
+  /// a read. The bytes are then a mixture: the port of one version and the token of the other.
   [[nodiscard]] std::optional<common::Bytes> contents() const {
     const auto size = this->size();
     if (!size) return std::nullopt;

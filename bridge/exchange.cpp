@@ -18,13 +18,13 @@ std::uint16_t tcpPort(std::int64_t port) {
   return static_cast<std::uint16_t>(port);
 }
 
-/// Carries on an abandoned exchange. It closes when a late reply or the connection's end arrives,
-/// or at once if no thread can be started.
+/// Continues an abandoned exchange in a thread. The connection closes when a late reply or its end
+/// arrives, or at once if no thread can be started.
 void finishInBackground(std::unique_ptr<NWConnectionBox> box) {
   try {
     std::thread([box = std::move(box)] { box->send(UptimeClock::time_point::max()); }).detach();
   } catch (const std::system_error&) {
-    return;  // the connection has closed with the box
+    return;  // destroying the box has closed the connection
   }
 }
 

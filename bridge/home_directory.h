@@ -5,7 +5,7 @@
 namespace bridge {
 
 // The environment variable that names the user's home directory. On macOS applications ignore HOME,
-// and so does this server: a host that clears or changes it must not matter.
+// and so does this server. A host may clear or change it without effect.
 #ifdef __APPLE__
 inline constexpr const char* homeVariable = "CFFIXED_USER_HOME";
 #else

@@ -17,7 +17,7 @@ namespace {
 
 #ifdef __APPLE__
 
-constexpr short systemFlags = POSIX_SPAWN_CLOEXEC_DEFAULT;  // closes all that is not inherited
+constexpr short systemFlags = POSIX_SPAWN_CLOEXEC_DEFAULT;  // closes all that are not listed
 
 void inheritStandardStreamsOnly(posix_spawn_file_actions_t* actions) {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -35,8 +35,8 @@ void inheritStandardStreamsOnly(posix_spawn_file_actions_t* actions) {
 
 #endif
 
-/// How the child starts: default signal handling, no signal blocked, and no descriptors but the
-/// standard streams, not even those that this process got from a careless parent.
+/// How the child starts: default signal handling, no signal blocked, and only the standard streams
+/// open. Descriptors that this process inherited from a careless parent are closed, too.
 class SpawnSettings {
  public:
   SpawnSettings() {

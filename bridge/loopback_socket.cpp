@@ -42,7 +42,7 @@ int openSocket() {
 
 #endif
 
-/// What poll() takes: milliseconds, rounded up so that it does not return before the deadline.
+/// The timeout for poll() in milliseconds, rounded up so that it does not end before the deadline.
 int pollTimeout(UptimeClock::time_point deadline) {
   using std::chrono::milliseconds;
   if (deadline == UptimeClock::time_point::max()) return -1;
@@ -80,8 +80,8 @@ int LoopbackSocket::error() const {
 }
 
 /// If no program listens on the port, the system can choose that port as the local one. TCP then
-/// connects the socket to itself. On macOS, where both ports come from the same 16,384, that is one
-/// attempt in 16,384, and a call can make a thousand attempts.
+/// connects the socket to itself. macOS chooses among 16,384 ports, so that it happens in one of
+/// 16,384 attempts, and a call can make a thousand attempts.
 bool LoopbackSocket::isSelfConnected(std::uint16_t port) const {
   sockaddr_in local{};
   socklen_t size = sizeof local;

@@ -11,10 +11,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Between two attempts to connect to an application that does not listen (yet).
+/// The pause between two attempts to connect to an application that does not listen (yet).
 constexpr auto retryPause = 20ms;
 
-/// Most replies are smaller. The first piece of a bigger one is bigger, too: loopback segments
+/// Most replies are smaller than this. The first piece of a bigger reply is not: loopback segments
 /// carry 16,332 bytes on macOS and more on Linux.
 constexpr std::size_t smallReply = 8192;
 
@@ -44,7 +44,7 @@ bool NWConnectionBox::connect(UptimeClock::time_point deadline) {
       state_ = State::sending;
       return true;
     }
-    // Accepted and reset at once: the exchange has failed, the application is there.
+    // Not refused: the application accepted the connection and then reset it.
     if (error == ECONNRESET) return finish();
     socket_.close();
     // sleep_until() with this clock waits by the wall clock in some C++ libraries.

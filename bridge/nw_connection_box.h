@@ -26,8 +26,8 @@ class NWConnectionBox {
   NWConnectionBox(std::uint16_t port, common::Bytes request)
       : port_(port), request_(std::move(request)) {}
 
-  /// Carries the exchange on until it has finished. False if the deadline comes first; it can then
-  /// be carried on with another call.
+  /// Continues the exchange until it has finished. False if the deadline comes first; another call
+  /// then continues it.
   bool send(UptimeClock::time_point deadline);
 
   [[nodiscard]] State state() const { return state_; }

@@ -27,8 +27,8 @@ struct WaitDependencies {
 ///
 /// If the published endpoint answers, returns it at once. Otherwise launches the application, then
 /// reads the endpoint file every 0.4 seconds and probes each endpoint found, until one answers.
-/// None if the application cannot be launched or the wall clock has advanced by `timeout`. A
-/// probe is never cut short, so the call can take 6.4 seconds more. Blocks the calling thread.
+/// None if the application cannot be launched or the wall clock has advanced by `timeout`. No probe
+/// and no pause is cut short, so the call can take 6.4 seconds more. Blocks the calling thread.
 std::optional<Endpoint> waitForApp(std::chrono::duration<double> timeout,
                                    const WaitDependencies& dependencies = {});
 

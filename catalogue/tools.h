@@ -4,8 +4,8 @@
 
 namespace AgentProtocol {
 
-// The texts are the interface: agents choose a tool and fill in its arguments by them. Each tool
-// has its own texts, even where two tools have nearly the same.
+// Agents choose a tool and fill in its arguments by these texts, so the texts are the interface.
+// Each tool has its own, even where two tools have nearly the same.
 
 /// The catalogue: eleven tools, in the order in which they are announced.
 inline const Tool tools[] = {

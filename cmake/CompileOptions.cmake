@@ -17,7 +17,7 @@ add_library(quillmark_options INTERFACE)
 target_compile_features(quillmark_options INTERFACE cxx_std_23)
 target_compile_options(quillmark_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow
-  # g++ 12 takes the joining of two strings for an overlapping copy when it optimizes.
+  # When it optimizes, g++ 12 wrongly reports that joining two strings is an overlapping copy.
   $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
   $<$<BOOL:${QUILLMARK_WARNINGS_AS_ERRORS}>:-Werror>)
 
@@ -33,7 +33,7 @@ target_compile_options(quillmark_options INTERFACE
   $<${release}:-fstack-protector-strong>
   $<${release}:-ffunction-sections>
   $<${release}:-fdata-sections>
-  # No folder of the machine that builds it is in the program.
+  # The program contains no path of the machine on which it was built.
   $<${release}:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>
   $<${release}:-U_FORTIFY_SOURCE>
   $<${release}:-D_FORTIFY_SOURCE=2>
@@ -42,7 +42,7 @@ target_link_options(quillmark_options INTERFACE
   "$<$<AND:${release},${linux}>:LINKER:-z,relro,-z,now,-z,noexecstack,--gc-sections,--as-needed>"
   "$<$<AND:${release},$<PLATFORM_ID:Darwin>>:LINKER:-dead_strip>")
 
-# The installed program needs nothing but the C library: the C++ runtime goes into it.
+# The installed program needs nothing except the C library: the C++ runtime is linked in.
 add_library(quillmark_static_runtime INTERFACE)
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux" AND NOT QUILLMARK_SANITIZE)
   target_link_options(quillmark_static_runtime INTERFACE

@@ -1,4 +1,4 @@
-# A toolchain for Linux on ARM, of Debian's cross compiler.
+# A toolchain for Linux on ARM: Debian's cross compiler.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)

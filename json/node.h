@@ -7,7 +7,7 @@ namespace json {
 
 enum class Kind : std::uint8_t { object, array, string, number, trueLiteral, falseLiteral, null };
 
-/// One value of a message: where it stands in the message's text.
+/// One value of a message: its kind and its place in the message's text.
 ///
 /// The nodes of a message form one flat array in the order of the text. A container is followed
 /// by everything inside it; an object's members are pairs of nodes, name and value.

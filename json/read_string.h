@@ -12,7 +12,7 @@
 
 namespace json {
 
-/// How reading a part of a message went.
+/// The result of reading a part of a message.
 enum class Progress : std::uint8_t {
   done,       ///< the part was read to its end
   cutShort,   ///< well-formed, but the text ends before the part does

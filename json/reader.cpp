@@ -96,7 +96,7 @@ class Reader::Steps {
     return readCharacters(after);
   }
 
-  /// Up to and past the closing quote.
+  /// Reads up to the closing quote and moves past it.
   Progress readCharacters(Next after) {
     bool hasEscapes = false;
     const Progress progress = skipToQuote(at_, end_, hasEscapes);

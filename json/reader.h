@@ -28,8 +28,8 @@ inline constexpr std::size_t deepestNesting = 512;
 /// it, and white space may follow. Strings must be well-formed UTF-8. Escapes of unpaired
 /// surrogates are accepted, because agent hosts send them.
 ///
-/// Each byte is examined a bounded number of times, in however many pieces it arrives, and the
-/// stack depth does not depend on the input. Not thread-safe.
+/// Each byte is examined a bounded number of times, however many pieces there are, and the stack
+/// depth does not depend on the input. Not thread-safe.
 class Reader {
  public:
   enum class State : std::uint8_t {
@@ -38,8 +38,8 @@ class Reader {
     malformed    ///< no further text can complete it
   };
 
-  /// Continues with `text`, the message so far from its first byte. It starts with the text of
-  /// the previous call, although that may have moved in memory.
+  /// Continues with `text`: everything that has arrived, from the message's first byte. The text of
+  /// the previous call must be the start of it, but may have moved in memory.
   State read(std::string_view text);
 
   [[nodiscard]] State state() const { return state_; }
@@ -55,7 +55,7 @@ class Reader {
   std::string_view text_;
   std::size_t offset_ = 0;  // of the first byte not read yet
   common::Buffer<Node> nodes_;
-  std::size_t innermost_ = 0;  // the node of the open container around it
+  std::size_t innermost_ = 0;  // index of the innermost open container
   std::size_t depth_ = 0;      // of open containers
   Next next_{};
   State state_ = State::incomplete;

@@ -15,7 +15,7 @@ namespace json {
 /// How many bytes one mask covers.
 inline constexpr std::ptrdiff_t maskWidth = 64;
 
-/// In a string that is being read: `"`, `\`, control characters and everything outside ASCII.
+/// The bytes that reading a string checks: `"`, `\`, control characters, everything outside ASCII.
 inline Block needsCheck(Block bytes) {
   return equal(bytes, '"') | equal(bytes, '\\') | isControlOrNonAscii(bytes);
 }
@@ -34,14 +34,14 @@ inline Block isLetterU(Block bytes) {
 }
 
 /// The mask of the 64 bytes at `from`: a bit for each, the first byte's lowest, set where `matches`
-/// holds.
+/// is true.
 template <auto matches>
 std::uint64_t mask(const char* from) {
   const auto block = [from](std::ptrdiff_t i) { return matches(load(from + i * blockSize)); };
   return maskOf(block(0), block(1), block(2), block(3));
 }
 
-/// Calls `find(from, size)` with a copy, followed by zeroes up to 64 bytes.
+/// Calls `find(from, size)` with a copy of the bytes, padded with zeroes to 64.
 template <auto find>
 [[gnu::noinline, gnu::cold]] std::uint64_t findInCopy(const char* from, std::ptrdiff_t size) {
   std::array<char, maskWidth> copy{};

@@ -30,7 +30,7 @@ inline void store(char* to, Block block) {
   std::memcpy(to, &block, sizeof block);
 }
 
-// Comparisons: a byte of the result is 0xFF where it holds, otherwise 0.
+// Comparisons: a byte of the result is 0xFF if the comparison is true for that byte, otherwise 0.
 
 inline Block equal(Block bytes, char c) {
   return reinterpret_cast<Block>(bytes == static_cast<unsigned char>(c));
@@ -47,7 +47,7 @@ inline Block isControlOrNonAscii(Block bytes) {
 /// The mask of 64 compared bytes: a bit for each, the first byte's lowest.
 inline std::uint64_t maskOf(Block a, Block b, Block c, Block d) {
   constexpr Block bits{1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
-  // Adding neighbours three times gathers each eight bytes' bits in one.
+  // Adding neighbours three times collects the bits of eight bytes in one byte.
   const uint8x16_t low = vpaddq_u8(a & bits, b & bits);
   const uint8x16_t high = vpaddq_u8(c & bits, d & bits);
   const uint8x16_t all = vpaddq_u8(low, high);

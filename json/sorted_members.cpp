@@ -32,7 +32,7 @@ std::uint64_t SortedMembers::keyOf(const Node* name) const {
   return firstEightBytes(decoded, decoded.data() + decoded.size());
 }
 
-/// Below, at or above 0.
+/// Negative, zero or positive, like std::string_view::compare().
 int SortedMembers::compareNames(const Node* a, const Node* b) const {
   const Value nameOfA(text_, a);
   const Value nameOfB(text_, b);
@@ -47,7 +47,7 @@ std::size_t SortedMembers::enter(const Node* object, Order order) {
     members_.push_back({.name = name, .key = keyOf(name)});
   }
   const auto begin = members_.begin() + static_cast<std::ptrdiff_t>(first);
-  // The last of a repeated name comes first, and so is the one that unique() keeps.
+  // Of members with the same name the last comes first, so that unique() keeps it.
   std::sort(begin, members_.end(), [this](const Member& a, const Member& b) {
     if (a.key != b.key) return a.key < b.key;  // almost always
     const int names = compareNames(a.name, b.name);

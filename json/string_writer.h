@@ -13,7 +13,7 @@
 
 namespace json {
 
-/// How far a copy has come, in its source and in its destination.
+/// Where a copy continues: the next byte to read and the place to write to.
 struct Copied {
   const char* from;
   char* to;
@@ -25,7 +25,7 @@ inline char* put(char* to, std::string_view bytes) {
   return to + bytes.size();
 }
 
-/// Writes a slash, or the escape that starts at `from`, in this writer's way.
+/// Writes the slash or the escape at `from` in this writer's spelling.
 template <Escaping escaping>
 Copied writeEscaped(const char* from, const char* end, char* to) {
   if (*from == '/') return {from + 1, writeAscii<escaping>(to, '/')};
@@ -41,20 +41,20 @@ inline bool isEscaped(const char* begin, const char* at) {
   return (at - run) % 2 != 0;
 }
 
-/// The mask of the bytes that copyEscaped() may have to write in another way.
+/// The mask of the bytes that copyEscaped() may have to spell differently.
 template <Escaping escaping>
 std::uint64_t findToEscape(const char* from, std::ptrdiff_t size) {
   if constexpr (escaping == Escaping::twice) return mask<isAnySlash>(from);
-  // Short escapes are kept. Only one that crosses the end counts, whatever its letter.
+  // Short escapes are copied as they are. Any escape that crosses the end is written separately.
   const bool crossesEnd = from[size - 1] == '\\' && !isEscaped(from, from + size - 1);
   const std::uint64_t unicode = mask<isBackslash>(from) & mask<isLetterU>(from) >> 1U;
   return mask<isSlash>(from) | unicode | std::uint64_t{crossesEnd} << (size - 1);
 }
 
 /// Copies at most 64 bytes from inside a well-formed string that ends at `end`, or a little
-/// further if an escape crosses their end. Escapes can be spelled in several ways; the copy has
-/// this writer's. Reads no byte at or after `readableEnd`. A byte can become four, and
-/// longestCharacter bytes more may be touched.
+/// further if an escape crosses their end. All escapes in the copy have this writer's spelling.
+/// Reads no byte at or after `readableEnd`. A byte can become four, and longestCharacter bytes more
+/// may be overwritten.
 template <Escaping escaping>
 Copied copyEscaped(const char* from, std::ptrdiff_t size, const char* end, const char* readableEnd,
                    char* to) {

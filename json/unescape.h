@@ -7,15 +7,15 @@ namespace json {
 
 /// An escape in a JSON string, such as `\n` or `\u00e9`.
 struct Escape {
-  char32_t codePoint;     ///< an unpaired surrogate stands for itself
+  char32_t codePoint;     ///< may be an unpaired surrogate
   std::ptrdiff_t length;  ///< bytes, backslash included; 12 for a pair of surrogates
 };
 
 /// Reads the well-formed escape at `from`, in a string that ends at `end`.
 Escape readEscape(const char* from, const char* end);
 
-/// For each letter, the character that a backslash and it stand for, as in `\n`; 0 if they are no
-/// escape.
+/// For each letter, the character that its short escape means, such as a line feed for `\n`; 0 if
+/// the letter has none.
 inline constexpr auto shortEscapes = [] {
   std::array<char, 256> characters{};
   characters['"'] = '"';

@@ -73,7 +73,7 @@ class Writer {
     return last->begin() - value->begin() + (last->isContainer() ? 1 : last->length());
   }
 
-  /// There is roomForValue at `to`, here and below.
+  /// Needs roomForValue at `to`, as the functions that it calls do.
   char* append(const Node* value, std::size_t level, char* to) {
     switch (value->kind()) {
       case Kind::string: return appendString(value, to);

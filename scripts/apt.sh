@@ -1,7 +1,7 @@
 # Sourced by scripts/setup: installs packages with apt. Nothing is installed before the user knows
 # what and how much, nor on a system whose packages are too old.
 
-oldest_usable() {  # PACKAGE -> the oldest version that will do; nothing if any will
+oldest_usable() {  # PACKAGE -> the oldest version that works; nothing if every version does
   case $1 in
     cmake) echo 3.25 ;;
     g++) echo 12 ;;
@@ -72,7 +72,7 @@ update_package_lists() {
 
 announce() {
   LC_ALL=C apt-get install --print-uris --no-install-recommends "${missing[@]}" 2>&1 |
-    sed -n -e 's/.* \([0-9]*\) newly installed.*/  packages: \1, with all that they depend on/p' \
+    sed -n -e 's/.* \([0-9]*\) newly installed.*/  packages: \1, dependencies included/p' \
       -e 's|^Need to get \([^/]*\).* of archives.*|  download: \1|p' \
       -e 's/^After this operation, \(.*\) of additional.*/  on disk:  \1/p'
   echo "  time:     a minute or two with a fast network"

@@ -57,7 +57,7 @@ bool LineReader::readMore() {
   }
 }
 
-/// Keeps the memory of a big line, because big lines seldom come alone. After small lines it is
+/// Keeps the memory of a big line, because another one often follows. After small lines it is
 /// freed.
 void LineReader::dropTakenLines() {
   constexpr std::size_t big = 1U << 20U;

@@ -20,8 +20,8 @@ class LineReader {
   /// a line feed. The last line may lack its end. None at the end of input or when reading fails.
   /// Valid until the next call.
   ///
-  /// While a long line arrives, `partial` gets its beginning, again after each read. The beginning
-  /// grows, may move, and never ends with a carriage return that may be part of the line's end.
+  /// While a long line arrives, `partial` is called after each read with all of the line so far,
+  /// which may have moved. A final carriage return is left out: it may be part of the line's end.
   std::optional<std::string_view> next(
       const std::function<void(std::string_view beginning)>& partial);
 

@@ -10,7 +10,7 @@
 
 namespace server {
 
-/// Reads lines and passes each that is a JSON object to the dispatcher. Every other line is dropped
+/// Reads lines and passes each that is a JSON object to a function. Every other line is dropped
 /// silently. Keeps no state between lines. For one thread.
 class StdioLoop {
  public:

@@ -12,7 +12,7 @@ namespace {
 
 enum class Written : unsigned char { all, some, nothing };
 
-/// Writes everything, also to a pipe that does not block, unless a write fails.
+/// Writes everything, also to a non-blocking pipe, unless a write fails.
 Written write(std::string_view bytes) {
   std::size_t written = 0;
   while (written < bytes.size()) {
@@ -29,7 +29,7 @@ Written write(std::string_view bytes) {
   return Written::all;
 }
 
-/// Where the output stands after a write that failed.
+/// The state of the output after the last reply.
 enum class Line : unsigned char {
   ended,         ///< the next reply starts a line
   lacksItsFeed,  ///< the last reply is whole, but its line feed is missing

@@ -48,7 +48,7 @@ std::string outputOfTwoReplies(rlim_t limit) {
   std::_Exit(output == expected ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
-TEST(WriteReplyFailure, LeavesNoTraceIfNothingWasWritten) {
+TEST(WriteReplyFailure, OfAWholeReplyDropsIt) {
   EXPECT_EXIT(check(0, "second\n"), testing::ExitedWithCode(EXIT_SUCCESS), "^$");
 }
 
@@ -56,11 +56,11 @@ TEST(WriteReplyFailure, InTheMiddleOfAReplyEndsTheOutput) {
   EXPECT_EXIT(check(3, "fir"), testing::ExitedWithCode(EXIT_SUCCESS), "^$");
 }
 
-TEST(WriteReplyFailure, OfTheLineFeedIsMadeUpForBeforeTheNextReply) {
+TEST(WriteReplyFailure, OfTheLineFeedIsRepairedBeforeTheNextReply) {
   EXPECT_EXIT(check(5, "first\nsecond\n"), testing::ExitedWithCode(EXIT_SUCCESS), "^$");
 }
 
-TEST(WriteReplyFailure, IsNoneWithoutALimit) {
+TEST(WriteReplyFailure, DoesNotHappenWithoutALimit) {
   EXPECT_EXIT(check(RLIM_INFINITY, "first\nsecond\n"), testing::ExitedWithCode(EXIT_SUCCESS), "^$");
 }
 

@@ -15,7 +15,7 @@ struct Parameter {
 
   std::string name;
   Type type;
-  nlohmann::json otherwise = nullptr;  ///< what counts if it is left out; null: it is required
+  nlohmann::json otherwise = nullptr;  ///< the default; null if the parameter is required
 };
 
 /// The arguments of one call, checked against the tool's parameters: each parameter has a value of

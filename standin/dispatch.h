@@ -13,7 +13,7 @@ namespace standin {
 /// The version of requests and replies, published in the endpoint file.
 inline constexpr int wireVersion = 1;
 
-/// The longest reply that the server takes.
+/// The longest reply that the server accepts.
 inline constexpr std::size_t maxReplyBytes = 4194304;
 
 /// Answers requests: checks the token, finds the tool, checks its arguments, runs it. Any thread

@@ -17,7 +17,7 @@ struct Drive {
   bool writable;
 };
 
-/// A place on a drive, whether there is something or not.
+/// A place on a drive, where there may be nothing.
 struct Place {
   const Drive* drive;
   std::string path;  ///< within the drive, no slash at either end; empty for the top level
@@ -42,8 +42,8 @@ class Drives {
   /// The drive of this name, or all drives if the name is empty.
   std::vector<const Drive*> chosen(std::string_view name) const;
 
-  /// The place that an agent names. Links are followed, but nothing outside of the drive and
-  /// nothing hidden is reached: that throws Refusal.
+  /// The place that an agent names. Links are followed. Throws Refusal if the place is outside of
+  /// the drive or hidden.
   Place place(std::string_view drive, const std::string& path) const;
   /// The same for a regular file that exists.
   Place existingFile(std::string_view drive, const std::string& path) const;

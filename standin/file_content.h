@@ -12,7 +12,7 @@ namespace standin {
 std::string readContent(const std::filesystem::path& file, std::uintmax_t limit);
 
 /// Creates or replaces a file; one that is replaced keeps its permissions.
-/// This and copyFile() are all or nothing, and to be called by one thread at a time.
+/// This and copyFile() either succeed or change nothing. Only one thread at a time may call them.
 void writeContent(const std::filesystem::path& file, std::string_view content);
 
 /// Creates or replaces `to` with the content of the file `from`.

@@ -20,7 +20,7 @@ struct FileFacts {
 };
 
 /// The facts of the entry itself: a link is not followed. None if there is no such entry or the
-/// system refuses to look at it.
+/// system denies access to it.
 std::optional<FileFacts> factsOf(const std::filesystem::path& file);
 
 /// A time as agents see it, such as "2024-05-06T07:08:09Z".

@@ -18,7 +18,7 @@ namespace standin {
 using namespace std::chrono_literals;
 
 Listener::Listener(Answer answer) : answer_(std::move(answer)), listener_(128) {
-  std::signal(SIGPIPE, SIG_IGN);  // a client that leaves early is not the end of the process
+  std::signal(SIGPIPE, SIG_IGN);  // a client that closes early must not end the process
   if (::pipe(stop_.data()) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
   accepting_ = std::thread([this] { acceptConnections(); });
 }
@@ -39,7 +39,7 @@ void Listener::acceptConnections() {
     if (connection >= 0) {
       connections_.push_back(std::async(std::launch::async, [=, this] { serve(connection); }));
     } else {
-      std::this_thread::sleep_for(50ms);  // out of descriptors, perhaps; others will close theirs
+      std::this_thread::sleep_for(50ms);  // perhaps out of descriptors, until others close
     }
   }
 }
@@ -55,7 +55,7 @@ void Listener::serve(int connection) const {
     request += piece;
   } while (!piece.empty() && !end.reachedBy(piece));
   if (!piece.empty()) sendAll(connection, answer_(request));
-  // To close first could discard a reply that the server has not read yet.
+  // Closing first could discard a reply that the server has not read yet.
   while (!piece.empty()) piece = receive(connection, 5s);
   ::close(connection);
 }

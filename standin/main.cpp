@@ -21,7 +21,7 @@ constexpr std::string_view usage =
     "Usage: quillmark-standin [--read-only] HOME FOLDER...\n"
     "Serves each folder as a drive. The server finds it if HOME is its home folder.\n";
 
-// To be called before there are threads, as they inherit the mask.
+// Call it before threads are started: they inherit the mask.
 sigset_t blockSignalsToStop() {
   sigset_t signals;
   sigemptyset(&signals);

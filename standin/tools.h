@@ -5,8 +5,8 @@
 #include "standin/arguments.h"
 #include "standin/drives.h"
 
-/// The eleven tools. Each returns its result, a JSON object; one that can't do what it is asked
-/// throws Refusal or std::system_error. Any number of them may run at the same time.
+/// The eleven tools. Each returns its result, a JSON object, or throws Refusal or std::system_error
+/// if it can't carry out the call. Any number of them may run at the same time.
 namespace standin {
 
 using Tool = nlohmann::json(Drives& drives, const Arguments& call);

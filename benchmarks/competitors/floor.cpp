@@ -45,7 +45,7 @@ void clear(Bytes& bytes) {
   bytes.dropFront(bytes.size());
 }
 
-// The text after the one mark, up to the other.
+// The text between two marks.
 string_view between(string_view text, string_view before, string_view after) {
   text.remove_prefix(text.find(before) + before.size());
   return text.substr(0, text.find(after));

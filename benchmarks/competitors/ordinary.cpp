@@ -1,5 +1,5 @@
-// The ordinary server: what a competent C++ programmer writes in a day with the JSON library that
-// everybody uses (nlohmann/json, a tree of nodes for every message) and blocking sockets. It
+// The ordinary server: what a competent C++ programmer writes in a day with a popular JSON library
+// (nlohmann/json, which builds a tree of nodes for every message) and blocking sockets. It
 // answers every request of a host. It lacks time limits, the start of an application that isn't
 // running, and the product's wording when a call fails.
 

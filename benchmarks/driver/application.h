@@ -10,8 +10,8 @@
 
 #include "tests/support/loopback_listener.h"
 
-/// The application's side of the loopback connections, made to cost as little as it can: replies
-/// are ready before the request arrives and go out with one write. A thread of its own serves one
+/// The application's side of the loopback connections, made to cost as little as possible: replies
+/// are ready before the request arrives and are sent with one write. A thread of its own serves one
 /// connection after the other. Every tool call makes two: the probe and the call itself.
 class Application {
  public:
@@ -24,8 +24,8 @@ class Application {
   std::uint16_t port() const { return listener_.port(); }
   std::thread::native_handle_type thread() { return thread_.native_handle(); }
 
-  /// Prepares for a tool call. The reply must live as long as the call takes. Where the requests
-  /// are as long as those of the last call, finding their ends costs nothing.
+  /// Prepares for a tool call. The reply must live as long as the call takes. If the requests will
+  /// be as long as those of the last call, finding their ends costs nothing.
   void expect(std::string_view reply, bool lengthsAsBefore);
 
   /// The requests received since expect(), which makes them invalid.

@@ -28,17 +28,17 @@ struct Cost {
   double peakMemory = 0;
 };
 
-/// Measures one call with any server, as often as wanted.
+/// Measures one call with any server, any number of times.
 class CallMeter {
  public:
   /// The application must outlive this.
   CallMeter(Application& application, Call call)
       : application_(application), call_(std::move(call)) {}
 
-  /// Starts the server, makes the call once untimed, then so many times timed; returns the median
-  /// of these. All that the server writes is compared, outside the timed parts, with what it should
-  /// write, as values that an independent parser reads; throws when it is wrong. Only the floor's
-  /// answer to a tool call must hold the application's result as it stands.
+  /// Starts the server, makes the call once untimed and then `count` times timed, and returns the
+  /// median. Everything that the server writes is checked outside the timed parts: an independent
+  /// parser must read the expected values. Throws if they are wrong. The floor's answer to a tool
+  /// call is not JSON; it must contain the application's result unchanged.
   Cost run(const Competitor& competitor, std::size_t count);
 
  private:

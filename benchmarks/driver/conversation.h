@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-/// One run of a server, spoken to over two pipes as an agent host would. Members throw
-/// std::runtime_error when the server cannot be started or goes away. The destructor closes the
+/// One run of a server, which gets requests over two pipes as from an agent's host. Members throw
+/// std::runtime_error if the server cannot be started or ends early. The destructor closes the
 /// server's input and waits for its exit.
 class Conversation {
  public:

@@ -2,8 +2,8 @@
 //
 //   quillmark-benchmark ROUNDS WORDS NAME=COMMAND...
 //
-// Takes in each round the measures whose names contain WORDS, and compares the servers with the
-// first. A command is split at blanks.
+// In each round, runs the measures whose names contain WORDS, and compares the servers with the
+// first. A command is split at spaces.
 
 #include <csignal>
 #include <cstdlib>
@@ -50,7 +50,7 @@ void runRound(std::vector<Measure>& measures, const std::vector<Competitor>& com
 }
 
 void run(const std::vector<std::string>& words) {
-  if (words.size() < 3) throw std::invalid_argument("wants ROUNDS WORDS NAME=COMMAND...");
+  if (words.size() < 3) throw std::invalid_argument("usage: ROUNDS WORDS NAME=COMMAND...");
   const int rounds = std::stoi(words[0]);
   std::vector<Competitor> competitors;
   for (std::size_t i = 2; i < words.size(); ++i) competitors.push_back(parseCompetitor(words[i]));
@@ -70,7 +70,7 @@ void run(const std::vector<std::string>& words) {
 }  // namespace
 
 int main(int count, char** words) {
-  // A write to a server that has gone fails and is reported. Servers don't inherit a handler.
+  // Writing to a server that has ended then fails and is reported. Servers don't inherit a handler.
   std::signal(SIGPIPE, [](int) {});
   try {
     run({words + 1, words + count});

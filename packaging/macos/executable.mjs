@@ -1,4 +1,4 @@
-// Reads what a check needs to know of a macOS executable, universal or for one processor.
+// Reads what a check needs to know about a macOS executable, universal or for one processor.
 
 const universal = 0xcafebabe;
 const executable64 = 0xfeedfacf;

@@ -16,7 +16,7 @@ namespace demo {
 /// the picture and an old recording.
 void prepareDrives(const std::filesystem::path& folder);
 
-/// What the server sent to the application, and what it got.
+/// A request of the server and the application's reply.
 struct Exchange {
   std::string request;
   std::string reply;

@@ -14,9 +14,9 @@ class CallLog {
  public:
   CallLog(std::ostream& out, const Terminal& terminal) : out_(out), terminal_(terminal) {}
 
-  /// Takes a request and its reply. The server sends drive_status before each call, to find out
-  /// whether the application is running. Such a probe looks like a call of that tool, so the first
-  /// drive_status is not printed, the request after it is, and so on.
+  /// Takes a request and its reply. Before each call the server sends drive_status as a probe, to
+  /// find out whether the application is running. A call of that tool looks the same. So a
+  /// drive_status counts as a probe, which is not printed, unless it follows a probe.
   void add(std::string_view request, std::string_view reply);
 
  private:

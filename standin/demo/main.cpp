@@ -26,9 +26,9 @@ void introduce(demo::Transcript& show) {
 void lookBack(demo::Transcript& show) {
   show.title("What you have seen");
   show.prose(
-      "quillmark-mcp passed every call on as it was, and every answer back. It found Quillmark by "
-      "itself, needed no settings and left nothing behind. The drives, the permissions and the "
-      "undo copies are Quillmark's.");
+      "quillmark-mcp passed on every call unchanged, and every answer. It found Quillmark by "
+      "itself, needed no settings and wrote no files. The drives, the permissions and the undo "
+      "copies are Quillmark's.");
   show.title("What to try next");
   show.list({{"scripts/demo FOLDER...", "let your own agent read your own folders"},
              {"scripts/test", "build everything and run all tests"},

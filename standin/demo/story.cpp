@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 namespace demo {
 namespace {
 
-// Who takes part: the host, whose session shows itself, and the application, once it runs.
+// What the chapters share. The application does not run at first.
 struct Stage {
   fs::path folder;
   Transcript& show;

@@ -10,8 +10,8 @@ struct Terminal {
   bool colours = false;
 };
 
-/// The terminal behind a descriptor; the defaults above if it is not one. Terminals show colours
-/// unless NO_COLOR is set or TERM is "dumb".
+/// The terminal that a descriptor refers to; the defaults above if it is no terminal. Terminals
+/// show colours unless NO_COLOR is set or TERM is "dumb".
 Terminal terminalOf(int descriptor);
 
 }  // namespace demo

@@ -17,7 +17,7 @@ std::size_t bytesOf(std::string_view text, std::size_t count) {
   return text.size();
 }
 
-// The end of the first line of a text, of which only `limit` bytes fit into one.
+// The end of the first line of a text if a line has room for `limit` bytes.
 std::size_t endOfLine(std::string_view text, std::size_t limit, BreakAt preferred) {
   const std::size_t space = text.rfind(' ', limit);
   const std::size_t comma = text.rfind(',', limit - 1);

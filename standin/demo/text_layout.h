@@ -9,8 +9,9 @@ namespace demo {
 
 enum class BreakAt { Spaces, Commas };
 
-/// Splits UTF-8 text into lines of at most `width` characters. Where there is no good place of the
-/// preferred kind, it breaks at the other kind, and where there is neither, anywhere.
+/// Splits UTF-8 text into lines of at most `width` characters. A line breaks at a place of the
+/// preferred kind if that is far enough to the right, otherwise at the other kind, otherwise
+/// anywhere.
 std::vector<std::string> wrapped(std::string_view text, std::size_t width,
                                  BreakAt preferred = BreakAt::Spaces);
 

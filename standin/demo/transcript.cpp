@@ -74,8 +74,8 @@ void Transcript::refusal(std::string_view sentence) {
   endBlock();
 }
 
-// First the simple members in one paragraph, then each list of objects. The beginning stands before
-// the first line only.
+// First the simple members in one paragraph, then each list of objects. Only the first line starts
+// with the beginning.
 void Transcript::outline(const json& object, std::string beginning) {
   const std::string indent(beginning.size(), ' ');
   const auto print = [&](const std::string& text) {
@@ -104,7 +104,7 @@ std::string_view Transcript::colourOf(Style style) {
   }
 }
 
-// The lines after the first are indented as far as the first is by its beginning.
+// Only the first line starts with the beginning; the others are indented by its width.
 void Transcript::lines(std::string_view beginning, std::string_view text, Style style) {
   const std::string_view colour = terminal_.colours ? colourOf(style) : "";
   const bool isData = style == Style::Data || style == Style::Call;

@@ -107,7 +107,7 @@ TEST_F(BigReplies, AreUnreadableIfInterruptedByAPause) {
   EXPECT_EQ(callTool("x"), errorResult(unreadableReply));
 }
 
-TEST_F(BigReplies, AndManySmallOnesAreAllDelivered) {
+TEST_F(BigReplies, MixedWithSmallOnesAreAllDelivered) {
   for (int round = 0; round < 300; ++round) {
     ASSERT_EQ(callWithReply(R"({"ok":true,"result":[)" + std::to_string(round) + "]}"),
               textResult("[\n  " + std::to_string(round) + "\n]"));

@@ -66,13 +66,13 @@ TEST_F(CallConnection, IncompleteReplyIsUnreadableBeforeTheLimit) {
   EXPECT_EQ(callEndingBeforeTheLimit(), errorResult(unreadableReply));
 }
 
-TEST_F(CallConnection, EndOfTheStreamAfterTheReply) {
+TEST_F(CallConnection, EndOfTheStreamAfterTheReplyDoesNotChangeIt) {
   app.script({succeed(), replyAndHalfClose(std::string(one))});
   EXPECT_EQ(callTool("x"), oneResult);
   EXPECT_TRUE(app.waitUntilClosedByServer(1));
 }
 
-TEST_F(CallConnection, CloseAfterTheReply) {
+TEST_F(CallConnection, CloseAfterTheReplyDoesNotChangeIt) {
   app.script({succeed(), [](AppConnection& connection) {
                 connection.readRequest();
                 connection.write(one);
@@ -81,7 +81,7 @@ TEST_F(CallConnection, CloseAfterTheReply) {
   EXPECT_EQ(callTool("x"), oneResult);
 }
 
-TEST_F(CallConnection, ResetAfterTheReply) {
+TEST_F(CallConnection, ResetAfterTheReplyDoesNotChangeIt) {
   app.script({succeed(), [](AppConnection& connection) {
                 connection.readRequest();
                 connection.write(one);

@@ -80,7 +80,7 @@ TEST_F(CallLimit, EndOfInputEndsTheProcessDespiteAnAbandonedConnection) {
 }
 
 // The application writes until the server closes the connection. If a write was so late that the
-// server took what it had for the whole reply, the call is made again.
+// server treated what it had as the whole reply, the call is made again.
 TEST_F(CallLimit, EndsAReplyThatIsStillArriving) {
   Seconds took{};
   bool wasLate = false;

@@ -41,7 +41,7 @@ TEST_F(FatalPort, SmallestInteger) {
   expectFatal("-9223372036854775808");
 }
 
-TEST_F(FatalPort, ThatIsTheApplicationsPortInItsLow16Bits) {
+TEST_F(FatalPort, WithTheApplicationsPortInItsLow16Bits) {
   expectFatal(std::to_string(app.port() + 65536));
 }
 

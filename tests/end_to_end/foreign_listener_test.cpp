@@ -14,7 +14,7 @@ class ForeignListener : public LaunchConversation {
     launches.script({.publish = EndpointFile::text(app.port(), "fresh")});
   }
 
-  // The server takes the program for the application, because it answers the probe.
+  // The server treats the program as the application, because it answers the probe.
   void expectUnreadable(const ScriptedApp::Script& script) {
     foreign.setDefault(script);
     EXPECT_EQ(callTool("x"), errorResult(unreadableReply));

@@ -86,7 +86,7 @@ void checkTexts(const Family& family, std::size_t length, std::size_t first, Cou
   } while (texts.next());
 }
 
-/// The first symbols are shared out among as many threads as there are processors.
+/// The first symbols are divided among as many threads as there are processors.
 bool checkFamily(const Family& family, std::size_t length) {
   Count count;
   for (std::size_t symbols = 1; symbols <= length; ++symbols) {

@@ -36,7 +36,7 @@ std::size_t plainLength(const Bytes& bytes) {
   return codePoint >= least.at(length) && codePoint <= 0x10FFFF && !isSurrogate ? length : 0;
 }
 
-/// What skipNonAscii() makes of the first `size` bytes.
+/// The result of skipNonAscii() for the first `size` bytes.
 bool agree(const Bytes& bytes, std::size_t size) {
   const char* const begin = reinterpret_cast<const char*>(bytes.data());
   const char* at = begin;

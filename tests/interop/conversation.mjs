@@ -1,7 +1,7 @@
-// What every client is put through. A client comes as a function that connects it to a server,
-// { command, args, env }, and gives
-//   listTools()            the tools as the protocol has them
-//   call(name, arguments)  the result of a tool call, as the protocol has it
+// The tests that every client must pass. A client is a function that connects to a server,
+// { command, args, env }, and returns an object with
+//   listTools()            returns the tools, in the protocol's form
+//   call(name, arguments)  returns the result of a tool call, in the protocol's form
 //   close()                ends the conversation
 //   endings                a pattern for the end of each server process it started, in order
 import assert from 'node:assert/strict';
@@ -14,7 +14,7 @@ import { Desktop } from './desktop.mjs';
 const catalogue = new URL('../../catalogue/tools.json', import.meta.url);
 const { tools } = JSON.parse(fs.readFileSync(catalogue, 'utf8'));
 
-// On a Mac that has the application, asking for it would bring it up.
+// On a Mac with the application, this call would start it.
 const skip = process.platform === 'darwin' && 'would start the application itself';
 
 function textOf(result) {
@@ -53,7 +53,7 @@ export async function hold(desktop, connect, talk) {
   client.endings.forEach((ending, i) => assert.match(endings[i], ending));
 }
 
-/** Declares a test with a desktop of its own, which is cleared away whatever comes. */
+/** Declares a test with a desktop of its own, which is always removed afterwards. */
 export function testWithDesktop(name, options, run) {
   test(name, { timeout: 120000, ...options }, async () => {
     const desktop = await Desktop.prepare();

@@ -13,8 +13,8 @@ const watchedServer = fileURLToPath(new URL('watched_server.mjs', import.meta.ur
 /** Names the user's home directory for the server, which ignores HOME on macOS. */
 const homeVariable = process.platform === 'darwin' ? 'CFFIXED_USER_HOME' : 'HOME';
 
-// Something for every tool to find: a plan to rewrite, a file that is there twice, one that is
-// large and old.
+// Something for every tool to find: a plan to rewrite, a file that exists twice, and a large, old
+// file.
 async function prepareDrives(place) {
   const drives = ['Studio', 'Archive'].map((name) => path.join(place, name));
   const [studio, archive] = drives;
@@ -54,7 +54,7 @@ export class Desktop {
       stdio: ['ignore', 'pipe', 'inherit'],
     });
     const gone = once(this.#standin, 'exit').then(() => assert.fail('the stand-in has ended'));
-    await Promise.race([once(this.#standin.stdout, 'data'), gone]); // it speaks once it listens
+    await Promise.race([once(this.#standin.stdout, 'data'), gone]); // it prints a line once it listens
   }
 
   /** What to start as the server: { command, args, env }. */

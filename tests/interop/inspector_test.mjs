@@ -6,8 +6,8 @@ import { promisify } from 'node:util';
 
 import { testClient } from './conversation.mjs';
 
-// Where the program finds its own package.json from; elsewhere it only runs as a part of the
-// whole Inspector.
+// The folder from which the program finds its own package.json. From any other, it runs only as a
+// part of the whole Inspector.
 const folder = fileURLToPath(
   new URL('node_modules/@modelcontextprotocol/inspector-cli/build/', import.meta.url),
 );

@@ -2,7 +2,7 @@ import { MultiServerMCPClient } from '@langchain/mcp-adapters';
 
 import { testClient } from './conversation.mjs';
 
-// It throws where a tool's result is an error, and puts words of its own before the message.
+// It throws if a tool's result is an error, and adds words of its own before the message.
 async function call(tool, args) {
   try {
     const text = await tool.invoke(args);

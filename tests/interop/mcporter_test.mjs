@@ -27,7 +27,7 @@ testClient('mcporter', (server) => {
       const { tools } = JSON.parse(await run('list', server, '--json'));
       return tools.map(({ name, description, inputSchema }) => ({ name, description, inputSchema }));
     },
-    // Of a result that is no error it prints the text alone.
+    // It prints only the text of a successful result.
     call: async (name, args) => {
       endings.push(/^status 0$/);
       const words = [name, '--args', JSON.stringify(args), '--output', 'json'];

@@ -6,7 +6,7 @@ testClient('OpenAI Agents', async (server) => {
   const client = new MCPServerStdio(server);
   await client.connect();
   return {
-    // It asks a first server for a later revision and stops it, then starts a second.
+    // It asks one server for a later revision, stops it, and starts another.
     endings: [/^(status 0|signal SIGTERM)$/, /^status 0$/],
     listTools: () => client.listTools(),
     call: (name, args) => client.callToolResult(name, args),

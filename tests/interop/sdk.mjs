@@ -1,4 +1,4 @@
-// The official SDK's client, whose two lines differ in little.
+// The official SDK's client. Its two release lines differ little.
 import assert from 'node:assert/strict';
 
 import { hold, testClient, testWithDesktop } from './conversation.mjs';
@@ -19,7 +19,7 @@ export function connector(sdk, options = {}, endings = [/^status 0$/]) {
   };
 }
 
-// Tells `seen` of each message that goes out, once the server has it.
+// Calls `seen` with each message after it was sent to the server.
 function watchSending(transport, seen) {
   const send = transport.send.bind(transport);
   transport.send = (message, ...rest) => {

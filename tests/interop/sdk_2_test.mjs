@@ -9,8 +9,8 @@ const sdk = { Client, StdioClientTransport, callTool };
 
 testSdk('SDK 2.x', sdk);
 
-// Told to look for a later revision, it asks a first server for it, ends that one's input and
-// stops it in the same moment, and starts a second.
+// When it looks for a later revision, it asks one server, closes that server's input and stops it at
+// the same moment, and then starts another.
 const probing = { versionNegotiation: { mode: 'auto' } };
 const endings = [/^(status 0|signal SIGTERM)$/, /^status 0$/];
 testClient('SDK 2.x, probing', connector(sdk, probing, endings));

@@ -1,4 +1,4 @@
-// Stands in for the server towards a client and notes how it ends, which no client tells:
+// Runs the server for a client and records how the server ends, which no client reports:
 // node watched_server.mjs SERVER ENDINGS. The server gets the client's own pipes and signals.
 import { spawn } from 'node:child_process';
 import { appendFileSync } from 'node:fs';

@@ -46,7 +46,7 @@ TEST_F(Demo, LinesHaveAtMostEightyCharactersInAPipe) {
   EXPECT_LE(widestLine(result.output), 80);
 }
 
-TEST_F(Demo, UsesColoursOnATerminalThatWantsThem) {
+TEST_F(Demo, UsesColoursOnATerminalUnlessTheyAreTurnedOff) {
   EXPECT_TRUE(runOnTerminal("TERM=xterm NO_COLOR= " + command(), 80).output.contains('\033'));
   EXPECT_FALSE(runOnTerminal("TERM=xterm NO_COLOR=1 " + command(), 80).output.contains('\033'));
   EXPECT_FALSE(runOnTerminal("TERM=dumb NO_COLOR= " + command(), 80).output.contains('\033'));
@@ -97,7 +97,7 @@ TEST_F(DemoScript, RefusesWrongFoldersBeforeAnythingElse) {
   expectRefusal("/usr /", "one of these folders contains the other: /usr, /");
 }
 
-TEST_F(DemoScript, RefusesWhatItDoesNotKnow) {
+TEST_F(DemoScript, RefusesUnknownOptionsAndMissingFolders) {
   expectRefusal("--fast /", "unknown option: --fast");
   expectRefusal("--writable", "--writable needs a folder");
 }

@@ -47,7 +47,7 @@ TEST_F(Paths, NameMayBeginWithTwoDots) {
   EXPECT_EQ(textAt("..notes"), "text");
 }
 
-TEST_F(Paths, AbsoluteOneIsRefused) {
+TEST_F(Paths, AbsolutePathIsRefused) {
   putFile(alpha("a.txt"), "text");
   EXPECT_NE(refusalToRead(alpha("a.txt")).find("is absolute"), std::string::npos);
 }
@@ -58,7 +58,7 @@ TEST_F(Paths, NullCharacterIsRefused) {
             "A path can't contain a null character.");
 }
 
-TEST_F(Paths, OneCopiedFromJsonTextIsAnsweredWithWhatToWriteInstead) {
+TEST_F(Paths, PathCopiedFromJsonTextIsRefusedWithTheRightPath) {
   putFile(alpha("a/b/c.txt"), "text");
   const std::string sentence =
       R"(The path "a\/b\/c.txt" is written as in JSON text; write "a/b/c.txt" instead.)";

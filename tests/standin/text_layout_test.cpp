@@ -32,7 +32,7 @@ TEST(Wrapped, BreaksALongWordAnywhere) {
   EXPECT_EQ(wrapped("äöüß", 3), (Lines{"äöü", "ß"}));
 }
 
-TEST(Shortened, TellsHowMuchIsMissing) {
+TEST(Shortened, StatesHowMuchIsMissing) {
   EXPECT_EQ(shortened(std::string(100, 'x'), 10), "xxxxxxxxxx ... (90 more characters)");
   EXPECT_EQ(shortened("ääääää", 2), "ää ... (4 more characters)");
 }

@@ -61,7 +61,7 @@ class AppConnection {
   void close();
   /// Closes with a reset, so that the server gets an error.
   void reset();
-  /// Reads and records whatever arrives until the server closes its end.
+  /// Reads and records everything until the server closes its end.
   void waitForServerToClose();
 
  private:

@@ -9,7 +9,7 @@
 #include <string_view>
 
 /// Writes a reply in pieces and measures how late they are. On a busy machine a piece can be so
-/// late that the server must take the silence before it for the end of the reply.
+/// late that the server must treat the silence before it as the end of the reply.
 class ReplyWriter {
  public:
   using Clock = std::chrono::steady_clock;

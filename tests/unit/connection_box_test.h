@@ -29,7 +29,7 @@ class NWConnectionBoxTest : public testing::Test {
     return box->send(bridge::UptimeClock::now() + time);
   }
 
-  /// Carries the exchange on until it is in this state, however busy the machine is.
+  /// Continues the exchange until it is in this state, however busy the machine is.
   void openAndDriveTo(State state, std::string_view request = "{}") {
     open(request);
     while (box->state() < state) ASSERT_FALSE(sendFor(std::chrono::milliseconds(20)));

@@ -110,7 +110,7 @@ bool startsWithContainer(std::string_view text) {
 }  // namespace
 
 Validity validity(std::string_view text) {
-  // The library takes a zero byte for the end of the text.
+  // The library treats a zero byte as the end of the text.
   if (!startsWithContainer(text) || text.find('\0') != std::string_view::npos) {
     return Validity::invalid;
   }

@@ -27,7 +27,7 @@ Validity validity(std::string_view text);
 bool isUnambiguous(std::string_view text);
 
 /// The values of a valid message. A string is "s" and its characters, a number is "n" and its text.
-/// So two trees are equal exactly if the messages mean the same and write each number alike.
+/// So two trees are equal exactly if the messages mean the same and write numbers in the same way.
 nlohmann::json tree(std::string_view text);
 
 /// The expected text of a tree: compact with names sorted, and pretty.
