@@ -43,7 +43,7 @@ struct ExitStatus {
 
 /// The built server as a child process. Its standard input and output are pipes, and its standard
 /// error is a file. For one thread. The functions that wait throw std::runtime_error after
-/// `patience`. The destructor kills the process if it still runs.
+/// their time. The destructor kills the process if it still runs.
 class ServerProcess {
  public:
   using Duration = std::chrono::milliseconds;
