@@ -137,5 +137,5 @@ with_apt() {  # PACKAGE...
   for name in "${missing[@]}"; do
     is_usable "$name" || fail "$(command -v "$name") is too old; put /usr/bin first in PATH"
   done
-  echo "Installed after $SECONDS s. To remove: apt-get autoremove --purge ${missing[*]}"
+  echo "Installed after $SECONDS s. To remove: sudo apt-get autoremove --purge ${missing[*]}"
 }
