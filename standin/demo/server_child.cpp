@@ -20,7 +20,7 @@ void check(int error, const std::string& what) {
   if (error != 0) throw std::system_error(error, std::generic_category(), what);
 }
 
-// The child inherits only what it is given as a standard stream.
+// The child inherits neither end, except as a standard stream.
 std::array<int, 2> makePipe() {
   std::array<int, 2> ends{};
   check(::pipe(ends.data()) == 0 ? 0 : errno, "pipe");

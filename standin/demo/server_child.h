@@ -8,8 +8,8 @@
 
 namespace demo {
 
-/// The server as a child process. It has this process's environment and standard error; its
-/// standard input and output are pipes, as an agent's host would set them up.
+/// The server as a child process, started as an agent's host starts it: its standard input and
+/// output are pipes. It inherits this process's environment and standard error.
 class ServerChild {
  public:
   /// Starts the program at this path. Throws std::system_error if that fails.

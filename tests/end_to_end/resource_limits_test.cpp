@@ -99,7 +99,7 @@ class LittleMemory : public Conversation {
                  pages * static_cast<std::size_t>(::getpagesize()) + more);
   }
 
-  // Makes the call again if the application was late with a part of its reply.
+  // Repeats the call if the application was late with a part of its reply.
   void expectAbortOfCall(const std::string& appReply) {
     std::optional<std::string> line;
     bool wasLate = false;

@@ -49,7 +49,7 @@ void LoopbackClient::send(std::string_view bytes) {
 
 std::string LoopbackClient::receiveReply() {
   std::string reply;
-  RequestEnd end;  // objects and arrays end alike, whoever sends them
+  RequestEnd end;  // finds the end of a reply in the same way
   while (true) {
     std::array<char, 65536> block{};
     const ssize_t bytes = ::recv(socket_, block.data(), block.size(), 0);

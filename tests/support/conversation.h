@@ -59,8 +59,7 @@ class Conversation : public testing::Test {
   std::string receiveLine();
   /// The next reply. Throws if there is none or it is not JSON.
   nlohmann::json receive();
-  /// Whether the server has replied to everything sent so far: it replies to nothing else before it
-  /// replies to one more request.
+  /// Whether no reply is outstanding: sends one more request, whose reply must be the next line.
   testing::AssertionResult hasNoFurtherReply();
   /// Ends the server's input. It must exit with status 0 and write nothing more.
   void expectCleanExit();
