@@ -54,6 +54,16 @@ quietly() {  # COMMAND [ARGUMENT]...
   }
 }
 
+# A check finds a mistake in a copy of the program: the command fails and prints a violation with
+# these words.
+must_find() {  # MISTAKE WORDS COMMAND [ARGUMENT]...
+  local output=build/release/$1.txt
+  if "${@:3}" >"$output" 2>&1 || ! grep -q "VIOLATION.*$2" "$output"; then
+    fail "the planted mistake $1 was not found: see $output"
+  fi
+  echo "planted mistake $1: found"
+}
+
 configure() {  # PRESET [CMAKE OPTION]...
   echo "Configuring build/$1"
   quietly cmake --preset "$@"

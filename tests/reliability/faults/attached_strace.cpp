@@ -61,6 +61,7 @@ AttachedStrace::AttachedStrace(pid_t thread, const std::vector<std::string>& opt
   std::vector<std::string> words{straceProgram, "-qq", "-o", trace, "-p", std::to_string(thread)};
   words.insert(words.end(), options.begin(), options.end());
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   posix_spawn_file_actions_t actions;

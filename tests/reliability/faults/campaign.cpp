@@ -33,6 +33,7 @@ void runSideBySide(const Runner& runner, const std::vector<const Trial*>& trials
                    std::size_t atOnce, Tally& tally) {
   std::atomic<std::size_t> next = 0;
   std::vector<std::jthread> threads;
+  threads.reserve(atOnce);
   for (std::size_t i = 0; i < atOnce; ++i) {
     threads.emplace_back([&] {
       for (std::size_t mine = next++; mine < trials.size(); mine = next++) {
@@ -84,8 +85,8 @@ Campaign::Learned Campaign::learn(const Session& session, std::string_view call)
   std::erase_if(learned.faults, [&](const Fault& fault) {
     return fault.row->call.find(call) == std::string_view::npos;
   });
-  std::printf("%-40s %5zu faults, %4.1f s\n", session.name.data(), learned.faults.size(),
-              observed.took.count());
+  std::printf("%-40s %5zu faults, %4.1f s\n", std::string(session.name).c_str(),
+              learned.faults.size(), observed.took.count());
   std::fflush(stdout);
   return learned;
 }
@@ -109,6 +110,7 @@ std::vector<Trial> Campaign::sample() const {
   }
   std::mt19937 random = fixedRandom();
   std::vector<Trial> sample;
+  sample.reserve(ways.size());
   for (auto& [way, trials] : ways) sample.push_back(std::move(trials[random() % trials.size()]));
   return sample;
 }

@@ -5,6 +5,7 @@ namespace {
 /// "error=" before each of the names.
 std::vector<std::string> errors(const std::vector<std::string_view>& names) {
   std::vector<std::string> injections;
+  injections.reserve(names.size());
   for (const std::string_view name : names) injections.push_back("error=" + std::string(name));
   return injections;
 }

@@ -33,7 +33,10 @@ Lines linesOf(std::string_view output) {
 
 RightAnswers rightAnswers(const Session& session, const Observed& observed) {
   RightAnswers right{.lines = linesOf(observed.output).whole, .launches = observed.launches};
-  if (right.lines.size() != session.asked.size()) fail(session, "not one answer to each request");
+  if (right.lines.size() != session.asked.size()) {
+    fail(session, "not one answer to each request: " + observed.output.substr(0, 300) +
+                      ", standard error: " + observed.standardError);
+  }
   for (std::size_t i = 0; i < right.lines.size(); ++i) {
     if (!isRight(right.lines[i], i + 1, session.asked[i].result)) {
       fail(session, "a wrong answer: " + right.lines[i].substr(0, 300));

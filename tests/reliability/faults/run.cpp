@@ -15,10 +15,13 @@ using Clock = std::chrono::steady_clock;
 /// The longest call takes 57 seconds, and a fault delays one call.
 constexpr auto longAfterEveryLimit = 150s;
 
-void send(ServerProcess& server, const std::string& input) {
+/// False if the server has ended. What it wrote before shows whether it was allowed to.
+bool send(ServerProcess& server, const std::string& input) {
   try {
     server.send(input);
-  } catch (const std::system_error&) {  // it has ended
+    return true;
+  } catch (const std::system_error&) {
+    return false;
   }
 }
 

@@ -48,11 +48,11 @@ class Requests {
   std::vector<Asked> asked_;
 };
 
-constexpr std::size_t bigReply = 4'000'000;
 constexpr std::size_t bigArgument = 2'000'000;
 
-std::string bigText() {
-  return std::string(bigReply, 'q');
+const std::string& bigText() {
+  static const std::string text(4'000'000, 'q');
+  return text;
 }
 
 constexpr std::string_view badLines =

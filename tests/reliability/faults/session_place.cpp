@@ -20,7 +20,7 @@ SessionPlace::SessionPlace(const Session& session)
   std::ofstream(home_.home() / "fresh") << EndpointFile::text(app_.port());
   // In one step, as a server may be reading the file.
   RecordedOpen::onLaunch(
-      home_, "cd \"$HOME\"; cp fresh fresh.$$; mv fresh.$$ \"" + file.path().string() + "\"");
+      home_, R"(cd "$HOME"; cp fresh fresh.$$; mv fresh.$$ ")" + file.path().string() + "\"");
 }
 
 std::string SessionPlace::trace() const {

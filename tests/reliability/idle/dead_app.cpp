@@ -61,6 +61,7 @@ std::vector<Outcome> callsOfServers(const std::string& program, std::size_t coun
   const RecordedOpen open;
   std::vector<Outcome> outcomes(count);
   std::vector<std::jthread> threads;
+  threads.reserve(count);
   for (Outcome& outcome : outcomes) {
     threads.emplace_back([&] { outcome = callOfOneServer(program, open, port); });
   }
@@ -102,7 +103,8 @@ bool deadApplicationCostsLittle(const std::string& server, std::size_t count) {
   std::vector<Outcome> silentOutcomes;
   std::vector<Outcome> refusedOutcomes;
   {
-    std::jthread thread([&] { silentOutcomes = callsOfServers(server, count, silent.port()); });
+    const std::jthread thread(
+        [&] { silentOutcomes = callsOfServers(server, count, silent.port()); });
     refusedOutcomes = callsOfServers(server, count, refusing.port());
   }
   const bool first = judge("an application that never answers", silentOutcomes);

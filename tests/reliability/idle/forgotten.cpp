@@ -73,7 +73,8 @@ bool forgottenServersCostNothing(const std::string& server, std::size_t count,
                                  std::chrono::seconds time) {
   using namespace std::chrono_literals;
   allowDescriptorsFor(count);
-  AnsweringApp app([](const nlohmann::json&) { return R"({"ok":true,"result":{"drives":[]}})"; });
+  const AnsweringApp app(
+      [](const nlohmann::json&) { return R"({"ok":true,"result":{"drives":[]}})"; });
   const TemporaryHome home;
   EndpointFile(home).publish(app.port());
   const Servers servers = started(server, home, count);

@@ -41,7 +41,7 @@ class RestartedApp {
   explicit RestartedApp(const AppRecords& records) : records_(records) {}
 
   void run() {
-    AnsweringApp app([this](const json& request) { return answer(request); });
+    const AnsweringApp app([this](const json& request) { return answer(request); });
     records_.publish(EndpointFile::text(app.port(), token_), ::getpid(), token_);
     while (std::filesystem::exists(records_.home())) std::this_thread::sleep_for(100ms);
   }

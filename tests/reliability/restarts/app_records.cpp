@@ -11,7 +11,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 
 /// In one write, so that a line is whole or missing.
 void appendLine(const fs::path& path, const std::string& line) {

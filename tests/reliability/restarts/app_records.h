@@ -9,11 +9,13 @@
 #include <string_view>
 #include <vector>
 
+using Clock = std::chrono::steady_clock;
+
 /// One publication of the endpoint file.
 struct Publication {
   pid_t process = 0;
   std::string token;
-  std::chrono::steady_clock::time_point at;
+  Clock::time_point at;
 };
 
 /// One call that an application has carried out.

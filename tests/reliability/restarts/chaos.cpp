@@ -55,7 +55,8 @@ void Chaos::killApp() {
 }
 
 void Chaos::pause(std::chrono::milliseconds most) {
-  std::this_thread::sleep_for(std::chrono::microseconds(random_() % (most / 1us)));
+  const auto range = static_cast<std::mt19937::result_type>(most / 1us);
+  std::this_thread::sleep_for(std::chrono::microseconds(random_() % range));
 }
 
 void Chaos::stopAndContinue(pid_t server) {

@@ -82,12 +82,12 @@ class Total {
     add(sentAfter_, findings.sentAfter);
     add(withoutFile_, findings.withoutFile);
     add(deadPort_, findings.deadPort);
-    for (const std::string& violation : findings.violations) addViolation(violation);
+    for (const std::string& violation : findings.violations) note(violation);
   }
 
   void addViolation(const std::string& violation) {
-    std::printf("VIOLATION: %s\n", violation.c_str());
-    ++violations_;
+    const std::lock_guard lock(mutex_);
+    note(violation);
   }
 
   bool print() {
@@ -103,6 +103,11 @@ class Total {
   }
 
  private:
+  void note(const std::string& violation) {
+    std::printf("VIOLATION: %s\n", violation.c_str());
+    ++violations_;
+  }
+
   static void add(Delays& sum, const Delays& more) {
     sum.counted += more.counted;
     sum.longest = std::max(sum.longest, more.longest);
