@@ -1,6 +1,7 @@
 #include <csignal>
 
 #include "tests/support/conversation.h"
+#include "tests/support/protocol_schema.h"
 
 namespace {
 
@@ -82,6 +83,7 @@ TEST_F(HostGone, InputClosedDuringABigReplyDoesNotCutItShort) {
   EXPECT_EQ(server->waitForExit().code, 0);
   output += server->unreadOutput();
   ASSERT_TRUE(output.ends_with('\n'));
+  EXPECT_EQ(schemaViolation(output), "");
   EXPECT_TRUE(json::parse(output).at("error").at("message") ==
               "Unknown method " + std::string(bigSize, 'q'));
 }

@@ -1,6 +1,7 @@
 #include <vector>
 
 #include "tests/support/conversation.h"
+#include "tests/support/protocol_schema.h"
 
 namespace {
 
@@ -88,7 +89,7 @@ TEST_F(UnusualHome, IsUsedUnchanged) {
   EndpointFile(home).publish(app.port());
   ServerProcess server(home);
   server.send(toolCall(R"({"name":"x"})") + "\n");
-  ASSERT_TRUE(server.readLine().has_value());
+  EXPECT_EQ(schemaViolation(server.readLine().value()), "");
   EXPECT_EQ(app.connectionCount(), 2U);
 }
 

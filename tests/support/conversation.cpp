@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "tests/support/private_mounts.h"
+#include "tests/support/protocol_schema.h"
 
 using nlohmann::json;
 
@@ -74,10 +75,16 @@ void Conversation::sendLine(std::string_view line) {
   server->send(std::string(line) + "\n");
 }
 
-std::string Conversation::receiveLine() {
+std::string Conversation::receiveUncheckedLine() {
   std::optional<std::string> line = server->readLine();
   if (!line) throw std::runtime_error("no reply");
   return *std::move(line);
+}
+
+std::string Conversation::receiveLine() {
+  std::string line = receiveUncheckedLine();
+  EXPECT_EQ(schemaViolation(line), "");
+  return line;
 }
 
 json Conversation::receive() {

@@ -55,8 +55,11 @@ class Conversation : public testing::Test {
   void TearDown() override;
 
   void sendLine(std::string_view line);
-  /// The next line of output. Throws if there is none.
+  /// The next line of output, which must be a reply by the protocol's schema. Throws if there is
+  /// none.
   std::string receiveLine();
+  /// The same for a line that may be no such reply.
+  std::string receiveUncheckedLine();
   /// The next reply. Throws if there is none or it is not JSON.
   nlohmann::json receive();
   /// Whether no reply is outstanding: sends one more request, whose reply must be the next line.
