@@ -9,6 +9,7 @@ import { readExecutable } from "./executable.mjs";
 import { isSignedAdHoc, signatureFaults } from "./signature.mjs";
 
 const mostBytes = 1.2 * 1024 * 1024;
+const pageSizes = { arm64: 16384, x86_64: 4096 };
 const cLibrary = "/usr/lib/libSystem.B.dylib";
 const cppLibrary = "/usr/lib/libc++.1.dylib";
 
@@ -29,8 +30,12 @@ function checkPart(part) {
   const fail = (holds, fault) => expect(holds, `${part.processor}: ${fault}`);
   fail(part.isProgram, "not a program");
   fail(part.isPositionIndependent, "not position-independent");
+  fail(part.offset % pageSizes[part.processor] === 0, "not at the start of a page");
   fail(part.isForMacos && part.oldestSystem === "13.0", `made for system ${part.oldestSystem}`);
   for (const library of part.libraries) fail(libraries.includes(library), `uses ${library}`);
+  for (const { name, library } of part.imports) {
+    fail(library >= 1 && library <= part.libraries.length, `imports ${name} from no known library`);
+  }
   if (part.processor === "arm64" || part.signature) {
     for (const fault of signatureFaults(part)) fail(false, fault);
     if (part.signature && !systemCompiler) fail(isSignedAdHoc(part), "not signed ad hoc");
