@@ -1,8 +1,8 @@
 // Checks the universal executable for Macs, and prints what it found.
 //
-//   node check.mjs EXECUTABLE [PATH...]    none of these paths may occur in it
-//   node check.mjs --system EXECUTABLE     for one that a Mac's own compiler has made: its C++
-//                                          library is the system's, so imports are not compared
+//   node check.mjs [--system] EXECUTABLE [PATH...]
+// None of the paths may occur in it. --system is for one that a Mac's own compiler has made: its C++
+// library is the system's, so imports are not compared.
 
 import { readFileSync } from "node:fs";
 import { readExecutable } from "./executable.mjs";
