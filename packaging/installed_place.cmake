@@ -1,11 +1,8 @@
 # Part of the installation. The documents name the program in /usr/local; here they get the place
-# where it really is. CPack installs into a folder of its own: the .deb is for /usr, an archive for
-# whatever folder its user chooses.
+# where it really is. CPack installs into a folder of its own, but the .deb is for /usr.
 set(place ${CMAKE_INSTALL_PREFIX})
 if(place MATCHES "/_CPack_Packages/.*(/usr)$")
   set(place ${CMAKE_MATCH_1})
-elseif(place MATCHES "/_CPack_Packages/")
-  return()
 endif()
 
 set(installed "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}")

@@ -1,14 +1,15 @@
 // Checks the universal executable for Macs, and prints what it found.
 //
-//   node check.mjs EXECUTABLE [PATH...]    none of these paths may occur in it
-//   node check.mjs --system EXECUTABLE     for one that a Mac's own compiler has made: its C++
-//                                          library is the system's, so imports are not compared
+//   node check.mjs [--system] EXECUTABLE [PATH...]
+// None of the paths may occur in it. --system is for one that a Mac's own compiler has made: its C++
+// library is the system's, so imports are not compared.
 
 import { readFileSync } from "node:fs";
 import { readExecutable } from "./executable.mjs";
 import { isSignedAdHoc, signatureFaults } from "./signature.mjs";
 
 const mostBytes = 1.2 * 1024 * 1024;
+const pageSizes = { arm64: 16384, x86_64: 4096 };
 const cLibrary = "/usr/lib/libSystem.B.dylib";
 const cppLibrary = "/usr/lib/libc++.1.dylib";
 
@@ -29,8 +30,12 @@ function checkPart(part) {
   const fail = (holds, fault) => expect(holds, `${part.processor}: ${fault}`);
   fail(part.isProgram, "not a program");
   fail(part.isPositionIndependent, "not position-independent");
+  fail(part.offset % pageSizes[part.processor] === 0, "not at the start of a page");
   fail(part.isForMacos && part.oldestSystem === "13.0", `made for system ${part.oldestSystem}`);
   for (const library of part.libraries) fail(libraries.includes(library), `uses ${library}`);
+  for (const { name, library } of part.imports) {
+    fail(library >= 1 && library <= part.libraries.length, `imports ${name} from no known library`);
+  }
   if (part.processor === "arm64" || part.signature) {
     for (const fault of signatureFaults(part)) fail(false, fault);
     if (part.signature && !systemCompiler) fail(isSignedAdHoc(part), "not signed ad hoc");

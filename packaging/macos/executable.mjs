@@ -31,7 +31,8 @@ function* loadCommands(bytes) {
   }
 }
 
-/// The undefined symbols, each with the library that it comes from, counted from 1.
+/// The undefined symbols, each with the library that it comes from, counted from 1; above 250 it is
+/// none in particular.
 function readImports(bytes, symbols) {
   const [table, count, names] = [8, 12, 16].map((offset) => symbols.readUInt32LE(offset));
   const entries = Array.from({ length: count }, (_, i) => bytes.subarray(table + 16 * i));
@@ -44,10 +45,11 @@ function version(number) {
   return `${number >>> 16}.${(number >>> 8) & 0xff}`;
 }
 
-function readPart(bytes) {
+function readPart(bytes, offset) {
   if (bytes.readUInt32LE(0) !== executable64) throw new Error("no executable for 64-bit Macs");
   const part = {
     bytes,
+    offset,
     processor: processors.get(bytes.readUInt32LE(4)) ?? "unknown",
     isProgram: bytes.readUInt32LE(12) === 2,
     isPositionIndependent: (bytes.readUInt32LE(24) & 0x200000) !== 0,
@@ -71,5 +73,5 @@ function readPart(bytes) {
 }
 
 export function readExecutable(file) {
-  return slices(file).map(readPart);
+  return slices(file).map((bytes) => readPart(bytes, bytes.byteOffset - file.byteOffset));
 }

@@ -11,6 +11,7 @@ import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import path from "node:path";
 import { Enums, Models, Serialize, Spec, Validation } from "@cyclonedx/cyclonedx-library";
+import { PackageURL } from "packageurl-js";
 import { componentsOf } from "./origins.mjs";
 
 const [file, version, sources, build] = process.argv.slice(2);
@@ -34,9 +35,8 @@ function contained({ name, version, license, purl, description }) {
     version,
     bomRef: `${name}@${version}`,
     description,
+    purl: PackageURL.fromString(purl),
     licenses: new Models.LicenseRepository([new Models.LicenseExpression(license)]),
-    externalReferences: new Models.ExternalReferenceRepository([
-      new Models.ExternalReference(purl, Enums.ExternalReferenceType.Distribution)]),
   });
 }
 

@@ -2,15 +2,17 @@
 
 packages=$PWD/build/packages
 
-# The archive of the sources is the only one that says which commit it is of.
-archived_commit() {
-  local archive
-  archive=$(find "$packages" -name "quillmark-mcp-*.tar.gz" ! -name "quillmark-mcp-*-*" 2>/dev/null)
-  [ -z "$archive" ] || gzip -dc "$archive" | git get-tar-commit-id
+source_archive() {
+  find "$packages" -name "quillmark-mcp-*.tar.gz" ! -name "quillmark-mcp-*-*"
 }
 
-# Makes the packages of the last commit, unless an earlier check has made them.
+# The archive of the sources is the only one that says which commit it is of.
+archived_commit() {
+  gzip -dc "$(source_archive)" | git get-tar-commit-id
+}
+
+# Makes the packages of the last commit, unless they are there, made without settings.
 make_packages_once() {
-  [ -f "$packages/SHA256SUMS" ] && [ "$(archived_commit)" = "$(git rev-parse HEAD)" ] ||
-    scripts/package
+  [ -f "$packages/SHA256SUMS" ] && [ "$(archived_commit)" = "$(git rev-parse HEAD)" ] &&
+    [ ! -s build/from-archive/build/settings ] || scripts/package
 }
