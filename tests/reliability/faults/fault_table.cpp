@@ -19,7 +19,8 @@ std::vector<FaultRow> standardStreams() {
       {"read", R"(^read\(0<)", errors({"EINTR", "EAGAIN"}), Effect::none,
        "a signal; a host that made the pipe non-blocking"},
       {"read", R"(^read\(0<)", errors({"ECONNRESET"}), Effect::inputEnds,
-       "the input is a socket pair, and the host has gone"},
+       "the input is a socket pair, and the host has gone. After the injected failure the rest of "
+       "the input can be read, as after no real one; a request that was cut is lost then"},
       {"write", R"(^write\(1<)", errors({"EINTR", "EAGAIN"}), Effect::none,
        "a signal; a host that made the pipe non-blocking"},
       {"write", R"(^write\(1<)",

@@ -114,7 +114,7 @@ Injected injectedIn(const std::string& trace) {
   constexpr std::size_t mostRequests = 16;
   Injected injected;
   std::size_t request = 0;
-  bool outputEnded = false;
+  bool repliesCount = true;  // each request but the last has had its reply
   for (const TraceLine& line : linesOf(trace)) {
     const bool isRetried = contains(line, "= -1 EAGAIN") || contains(line, "= -1 EINTR");
     const bool startsReply = line.text.starts_with(R"(write(1, "{\"jsonrpc\")");
@@ -122,12 +122,15 @@ Injected injectedIn(const std::string& trace) {
     if (contains(line, "(INJECTED)")) {
       ++injected.count;
       injected.during.insert(endsReply ? request - 1 : request);
-      // Without writes, any later request may be the one.
-      for (std::size_t i = request; outputEnded && i < mostRequests; ++i) injected.during.insert(i);
+      // Otherwise any later request may be the one.
+      for (std::size_t i = request; !repliesCount && i < mostRequests; ++i) {
+        injected.during.insert(i);
+      }
     }
     if (startsReply && !isRetried) ++request;
     const bool writesMiddle = line.text.starts_with("write(") && !startsReply && !endsReply;
-    if (writesMiddle && contains(line, "= -1 E") && !isRetried) outputEnded = true;
+    const bool losesRequests = line.text.starts_with("read(") || writesMiddle;
+    if (losesRequests && contains(line, "= -1 E") && !isRetried) repliesCount = false;
   }
   return injected;
 }
