@@ -54,6 +54,18 @@ quietly() {  # COMMAND [ARGUMENT]...
   }
 }
 
+# Ends a check that cannot run here, without failing it.
+skip() {  # REASON
+  say "SKIPPED: $1"
+  exit 0
+}
+
+needs_tracing() {
+  strace -o /dev/null true 2>/dev/null ||
+    skip "this system does not let a process trace another. In a container, allow it with \
+--cap-add SYS_PTRACE."
+}
+
 # A check finds a mistake in a copy of the program: the command fails and prints a violation with
 # these words.
 must_find() {  # MISTAKE WORDS COMMAND [ARGUMENT]...
