@@ -66,8 +66,8 @@ needs_tracing() {
 --cap-add SYS_PTRACE."
 }
 
-# A check finds a mistake in a copy of the program: the command fails and prints a violation with
-# these words.
+# Runs a check on a copy of the program with a planted mistake. Fails unless the check fails and
+# prints a violation with these words.
 must_find() {  # MISTAKE WORDS COMMAND [ARGUMENT]...
   local output=build/release/$1.txt
   if "${@:3}" >"$output" 2>&1 || ! grep -q "VIOLATION.*$2" "$output"; then

@@ -11,7 +11,7 @@ archived_commit() {
   gzip -dc "$(source_archive)" | git get-tar-commit-id
 }
 
-# Makes the packages of the last commit, unless they are there, made without settings.
+# Makes the packages of the last commit, unless they exist and were made without settings.
 make_packages_once() {
   [ -f "$packages/SHA256SUMS" ] && [ "$(archived_commit)" = "$(git rev-parse HEAD)" ] &&
     [ ! -s build/from-archive/build/settings ] || scripts/package
