@@ -1,6 +1,7 @@
 // Checks the universal executable for Macs, and prints what it found.
 //
 //   node check.mjs [--system] EXECUTABLE [PATH...]
+//
 // None of the paths may occur in it. --system is for one that a Mac's own compiler has made: its C++
 // library is the system's, so imports are not compared.
 

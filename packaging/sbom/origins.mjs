@@ -49,9 +49,12 @@ function fromMacToolchain(files) {
   const folder = files[0].replace(/\/lib\/.*/, "");
   const { name, version: release } = JSON.parse(readFileSync(`${folder}/package.json`, "utf8"));
   const [, version] = /clang version (\S+)/.exec(run(`${folder}/zig`, "c++", "--version"));
-  const purl = `pkg:npm/${encodeURIComponent(name).replace("%2F", "/")}@${release}`;
   return ["libc++", "libc++abi"].map((library) => ({
-    name: library, version, purl, license: llvmLicense, description: "LLVM's, linked statically",
+    name: library,
+    version,
+    purl: `pkg:generic/${encodeURIComponent(library)}@${version}`,
+    license: llvmLicense,
+    description: `LLVM's, from the npm package ${name} ${release}, linked statically`,
   }));
 }
 
