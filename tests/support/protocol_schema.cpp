@@ -55,7 +55,7 @@ Rule map(const Rule& value) {
     if (!object.is_object()) return "is not an object: " + object.dump();
     for (const auto& [name, member] : object.items()) {
       if (const std::string violation = value(member); !violation.empty())
-        return name + " " + violation;
+        return std::string(name).append(" ").append(violation);
     }
     return "";
   };
@@ -70,7 +70,7 @@ Rule object(std::map<std::string, Member> members) {
         continue;
       }
       if (const std::string violation = member.rule(value.at(name)); !violation.empty()) {
-        return name + " " + violation;
+        return std::string(name).append(" ").append(violation);
       }
     }
     for (const auto& [name, member] : value.items()) {
