@@ -135,7 +135,7 @@ String toQuote(std::string_view text) {
 
 TEST(SkipToQuote, FindsTheQuoteAtEveryDistanceWithAnyTextAfterIt) {
   for (std::size_t length = 0; length <= 200; ++length) {
-    for (const std::size_t after : {0, 1, 14, 15, 16, 17, 31, 32, 63, 64, 65}) {
+    for (const std::size_t after : {0U, 1U, 14U, 15U, 16U, 17U, 31U, 32U, 63U, 64U, 65U}) {
       const std::string text = std::string(length, 'a') + '"' + std::string(after, '\\');
       ASSERT_EQ(toQuote(text), (String{Progress::done, static_cast<int>(length), false}))
           << length << " before, " << after << " after";
@@ -147,7 +147,7 @@ TEST(SkipToQuote, PassesEscapesAndNonAsciiAtEveryDistance) {
   for (const std::string_view unit :
        {R"(\")", R"(\\)", R"(\u0022)", "\xC3\xA9", "\xF0\x9F\x98\x80"}) {
     for (std::size_t before = 0; before <= 140; ++before) {
-      for (const std::size_t after : {0, 1, 40, 130}) {
+      for (const std::size_t after : {0U, 1U, 40U, 130U}) {
         const std::string inside = std::string(before, 'a') + std::string(unit) +
                                    std::string(unit) + std::string(after, 'z');
         const String expected{Progress::done, static_cast<int>(inside.size()), unit[0] == '\\'};

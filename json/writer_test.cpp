@@ -54,9 +54,9 @@ TEST(AppendCompact, WritesAnUnpairedSurrogateAsAnEscape) {
 }
 
 TEST(AppendCompact, CopiesNumbersUnchanged) {
-  constexpr std::string_view numbers =
+  constexpr std::string_view array =
       "[0,-0,1.0,1.50,1E5,1e+05,0e-0,12345678901234567890123,9007199254740993,0.1e400,1e-999]";
-  EXPECT_EQ(compact(numbers), numbers);
+  EXPECT_EQ(compact(array), array);
 }
 
 TEST(AppendCompact, WritesTheDeepestNesting) {

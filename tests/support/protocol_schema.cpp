@@ -101,7 +101,7 @@ const Rule callToolResult =
     object({{"content", {array(object({{"type", {is("text")}}, {"text", {isString}}}))}},
             {"isError", {isBoolean, false}}});
 
-const Rule error =
+const Rule errorObject =
     object({{"code", {isInteger}}, {"message", {isString}}, {"data", {isAnything, false}}});
 
 std::string isResult(const json& result) {
@@ -113,7 +113,7 @@ std::string isResult(const json& result) {
 
 std::string schemaViolation(std::string_view line) {
   const json reply = json::parse(line, nullptr, false);
-  const Member outcome = reply.contains("error") ? Member{error} : Member{isResult};
+  const Member outcome = reply.contains("error") ? Member{errorObject} : Member{isResult};
   const std::string kind = reply.contains("error") ? "error" : "result";
   return object({{"jsonrpc", {is("2.0")}}, {"id", {isAnything}}, {kind, outcome}})(reply);
 }
