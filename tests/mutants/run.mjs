@@ -25,11 +25,16 @@ function parseArguments(words) {
   return options;
 }
 
-/** What identifies a mutant when lines move: its file, its line's text, and the change. */
-function identity(mutant, source) {
+/**
+ * What identifies a mutant when lines move: its file, its line's text, and the change. Of equal ones
+ * in a file the second has " (2)" at its end, and so on.
+ */
+function identity(mutant, source, seen) {
   const line = source.split('\n')[mutant.line - 1].trim();
   const flat = (text) => text.replace(/\s+/g, ' ');
-  return `${mutant.file} | ${line} | ${flat(mutant.original)} -> ${mutant.replacement || 'nothing'}`;
+  const text = `${mutant.file} | ${line} | ${flat(mutant.original)} -> ${mutant.replacement || 'nothing'}`;
+  seen.set(text, (seen.get(text) ?? 0) + 1);
+  return seen.get(text) > 1 ? `${text} (${seen.get(text)})` : text;
 }
 
 function allMutants() {
@@ -37,8 +42,9 @@ function allMutants() {
   const files = list.filter((file) => /\.(?:h|cpp)$/.test(file) && !file.endsWith('_test.cpp'));
   return files.flatMap((file) => {
     const source = readFileSync(file, 'utf8');
+    const seen = new Map();
     return mutationsOf(file, source).map((mutant) =>
-      ({ ...mutant, source, identity: identity(mutant, source) }));
+      ({ ...mutant, source, identity: identity(mutant, source, seen) }));
   });
 }
 
