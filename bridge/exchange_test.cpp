@@ -47,10 +47,13 @@ TEST_F(Exchange, ReturnsAPartOfAReplyAtTheLimit) {
 #if !UNDER_UNDEFINED_BEHAVIOR_SANITIZER
 TEST_F(Exchange, WithoutADescriptorReturnsNone) {
   const auto exchangeWithoutDescriptors = [port = app.port()] {
-    const rlimit none{.rlim_cur = 3, .rlim_max = 3};
+    rlimit limit{};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit none{.rlim_cur = 3, .rlim_max = limit.rlim_max};
     ::setrlimit(RLIMIT_NOFILE, &none);
     const Outcome outcome = bridge::exchange(port, asBytes("{}"), 30s);
-    std::_Exit(outcome.ended && !outcome.reply ? 0 : 1);
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+    std::exit(outcome.ended && !outcome.reply ? 0 : 1);
   };
   EXPECT_EXIT(exchangeWithoutDescriptors(), testing::ExitedWithCode(0), "^$");
 }
@@ -85,6 +88,10 @@ TEST(ExchangeOnPortZero, IsRefusedUntilTheLimit) {
   const Outcome outcome = bridge::exchange(0, asBytes("{}"), 1s);
   EXPECT_FALSE(outcome.ended);
   EXPECT_FALSE(outcome.reply);
+}
+
+TEST(ExchangeOnTheLastPort, IsRefusedUntilTheLimit) {
+  EXPECT_FALSE(bridge::exchange(65535, asBytes("{}"), 1s).ended);
 }
 
 void exchangeWithOutputOnStandardError(std::int64_t port) {

@@ -2,9 +2,14 @@
 
 #include <gtest/gtest.h>
 #include <pwd.h>
+#ifdef __linux__
+#include <sched.h>
+#endif
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <string>
 
 namespace {
@@ -35,6 +40,31 @@ TEST_F(HomeDirectory, IsThatOfTheUserIfTheVariableIsEmpty) {
   setenv(variable, "", 1);
   EXPECT_EQ(bridge::homeDirectory(variable), homeOfUser());
 }
+
+#ifdef __linux__
+/// Makes this process one of a user of whom the system has no record. False if that is not allowed.
+bool becomeUnknownUser() {
+  const std::string map = "54321 " + std::to_string(geteuid()) + " 1";
+  if (unshare(CLONE_NEWUSER) != 0) return false;
+  std::ofstream file("/proc/self/uid_map");
+  file << map << std::flush;
+  return file.good() && getpwuid(getuid()) == nullptr;
+}
+
+TEST_F(HomeDirectory, IsEmptyIfTheSystemDoesNotKnowTheUser) {
+  constexpr int notTried = 77;
+  const pid_t child = fork();
+  if (child == 0) {
+    if (!becomeUnknownUser()) std::exit(notTried);
+    std::exit(bridge::homeDirectory(variable).empty() ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFEXITED(status));
+  if (WEXITSTATUS(status) == notTried) GTEST_SKIP() << "needs user namespaces";
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+#endif
 
 // On macOS the application ignores HOME.
 TEST_F(HomeDirectory, DependsOnTheVariableOfTheSystem) {

@@ -1,7 +1,10 @@
 #include "bridge/nw_connection_box.h"
 
+#include <pthread.h>
+
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <random>
 #include <string>
 #include <thread>
@@ -17,6 +20,26 @@ using NWConnectionBox = NWConnectionBoxTest;
 TEST_F(NWConnectionBox, SendsTheRequestUnchanged) {
   exchange(succeed(), R"({"a":"b"})");
   EXPECT_EQ(app.record(0).received, R"({"a":"b"})");
+}
+
+TEST_F(NWConnectionBox, WaitsOnAfterASignal) {
+  struct sigaction ignored{};
+  ignored.sa_handler = [](int) {};
+  struct sigaction before{};
+  ::sigaction(SIGUSR1, &ignored, &before);
+  app.script({replyWhenReleased("{}")});
+  open();
+  const auto deadline = bridge::UptimeClock::now() + 400ms;
+  std::thread sender([thread = ::pthread_self()] {
+    for (int i = 0; i < 3; ++i) {
+      std::this_thread::sleep_for(100ms);
+      ::pthread_kill(thread, SIGUSR1);
+    }
+  });
+  EXPECT_FALSE(box->send(deadline));
+  EXPECT_GE(bridge::UptimeClock::now(), deadline);
+  sender.join();
+  ::sigaction(SIGUSR1, &before, nullptr);
 }
 
 TEST_F(NWConnectionBox, SendsALargeRequestWhole) {

@@ -73,7 +73,7 @@ Finding exchangeOnTheOnlyPort() {
 
 TEST(SelfConnect, CountsAsRefusedAndFreesThePort) {
   const pid_t child = ::fork();
-  if (child == 0) std::_Exit(static_cast<int>(exchangeOnTheOnlyPort()));
+  if (child == 0) std::exit(static_cast<int>(exchangeOnTheOnlyPort()));
   int status = 0;
   ASSERT_EQ(::waitpid(child, &status, 0), child);
   ASSERT_TRUE(WIFEXITED(status));

@@ -49,6 +49,19 @@ TEST(WriteCharacter, WritesEveryOtherCodePointAsUtf8AndSurrogatesAsEscapes) {
   }
 }
 
+// The tables are made while compiling. Here the same functions run.
+TEST(Escape, GivesTheSameAtRunTimeAsInTheTables) {
+  for (std::size_t i = 0; i < escapedAscii<Escaping::once>.size(); ++i) {
+    const auto character = static_cast<char>(i);
+    const Escaped once = escapeOnce(character);
+    const Escaped twice = escapeTwice(character);
+    EXPECT_EQ(once.bytes, escapedAscii<Escaping::once>[i].bytes);
+    EXPECT_EQ(once.size, escapedAscii<Escaping::once>[i].size);
+    EXPECT_EQ(twice.bytes, escapedAscii<Escaping::twice>[i].bytes);
+    EXPECT_EQ(twice.size, escapedAscii<Escaping::twice>[i].size);
+  }
+}
+
 TEST(WriteCharacter, TouchesNoMoreThanTheLongestCharacter) {
   for (char32_t character = 0; character <= 0x10FFFF; ++character) {
     std::array<char, 16> room{};

@@ -37,6 +37,18 @@ TEST(SortedMembers, SortsByName) {
   EXPECT_EQ(members(R"({"b":1,"a":2,"c":3})", Order::byName), (Members{"a=2", "b=1", "c=3"}));
 }
 
+TEST(SortedMembers, SortsManyMembersAndKeepsTheLastOfARepeatedName) {
+  std::string object = R"({"39":"first")";
+  Members given;
+  for (int i = 39; i >= 10; --i) {
+    object += ",\"" + std::to_string(i) + "\":" + std::to_string(i);
+    given.push_back(std::to_string(i) + '=' + std::to_string(i));
+  }
+  object += '}';
+  EXPECT_EQ(members(object, Order::asGiven), given);
+  EXPECT_EQ(members(object, Order::byName), Members(given.rbegin(), given.rend()));
+}
+
 TEST(SortedMembers, SortsNamesByTheirBytes) {
   EXPECT_EQ(
       members("{\"\xC3\xA9\":1,\"z\":2,\"Z\":3,\"\xF0\x9F\x98\x80\":4,\"\":5,\"10\":6,\"9\":7}",

@@ -45,7 +45,7 @@ std::string outputOfTwoReplies(rlim_t limit) {
 [[noreturn]] void check(rlim_t limit, const std::string& expected) {
   const std::string output = outputOfTwoReplies(limit);
   if (output != expected) std::fprintf(stderr, "the output is \"%s\"\n", output.c_str());
-  std::_Exit(output == expected ? EXIT_SUCCESS : EXIT_FAILURE);
+  std::exit(output == expected ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
 TEST(WriteReplyFailure, OfAWholeReplyDropsIt) {

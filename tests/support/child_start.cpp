@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -18,6 +19,12 @@
 extern char** environ;  // NOLINT(readability-redundant-declaration): not every system declares it
 
 namespace {
+
+// The built server, unless the environment of the tests names another one.
+std::string serverProgram() {
+  const char* other = std::getenv("QUILLMARK_TESTED_SERVER");
+  return other != nullptr ? other : QUILLMARK_MCP_BINARY;
+}
 
 enum class Step { mounts, directory, exec };
 
@@ -34,7 +41,7 @@ struct ChildPlan {
         streams(childStreams),
         mounts(serverSetup.overUsrBin),
         arguments(serverSetup.command) {
-    if (arguments.empty()) arguments.emplace_back(QUILLMARK_MCP_BINARY);
+    if (arguments.empty()) arguments.push_back(serverProgram());
     arguments.insert(arguments.end(), setup.arguments.begin(), setup.arguments.end());
     const std::string homeIs = std::string(bridge::homeVariable) + "=";
     for (char** entry = environ; *entry != nullptr; ++entry) {
@@ -104,7 +111,7 @@ StartFailure becomeServer(const ChildPlan& plan, int report) {
 
 [[noreturn]] void throwFailure(const StartFailure& failure) {
   if (failure.step == Step::mounts) throw PrivateMountsRefused(failure.error);
-  throw std::system_error(failure.error, std::generic_category(), QUILLMARK_MCP_BINARY);
+  throw std::system_error(failure.error, std::generic_category(), serverProgram());
 }
 
 }  // namespace
