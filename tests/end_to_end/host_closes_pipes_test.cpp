@@ -1,4 +1,5 @@
 #include <csignal>
+#include <filesystem>
 
 #include "tests/support/conversation.h"
 #include "tests/support/protocol_schema.h"
@@ -128,6 +129,20 @@ TEST_F(HostWithoutOutput, RepliesAreNotWrittenToAConnection) {
     EXPECT_EQ(json::parse(app.record(i).received).size(), 4U) << app.record(i).received;
   }
 }
+
+#ifdef __linux__
+class HostWithoutErrors : public HostGone {
+ protected:
+  HostWithoutErrors() { setup.closedStreams = {2}; }
+};
+
+TEST_F(HostWithoutErrors, GetsTheNullDevice) {
+  sendLine(request("ping"));
+  receive();
+  const auto errors = "/proc/" + std::to_string(server->pid()) + "/fd/2";
+  EXPECT_EQ(std::filesystem::read_symlink(errors), "/dev/null");
+}
+#endif
 
 class HostWithoutStreams : public HostGone {
  protected:
