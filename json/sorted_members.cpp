@@ -16,8 +16,11 @@ namespace {
 std::uint64_t firstEightBytes(std::string_view name, const char* readableEnd) {
   std::uint64_t key = 0;
   constexpr std::size_t eight = sizeof key;
-  const bool eightAreReadable = readableEnd - name.data() >= static_cast<std::ptrdiff_t>(eight);
-  std::memcpy(&key, name.data(), eightAreReadable ? eight : name.size());
+  if (readableEnd - name.data() >= static_cast<std::ptrdiff_t>(eight)) {
+    std::memcpy(&key, name.data(), eight);  // of a known size, so it is one instruction
+  } else {
+    std::memcpy(&key, name.data(), name.size());
+  }
   if constexpr (std::endian::native == std::endian::little) key = std::byteswap(key);
   if (name.size() >= eight) return key;
   return name.empty() ? 0 : key & ~std::uint64_t{0} << 8 * (eight - name.size());
