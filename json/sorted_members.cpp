@@ -28,10 +28,14 @@ std::uint64_t firstEightBytes(std::string_view name, const char* readableEnd) {
 
 }  // namespace
 
-std::uint64_t SortedMembers::keyOf(const Node* name) const {
-  const Value value(text_, name);
-  if (!name->hasEscapes()) return firstEightBytes(value.token(), text_.data() + text_.size());
-  const std::string decoded = value.string().value_or("");
+inline std::uint64_t SortedMembers::keyOf(const Node* name) const {
+  if (name->hasEscapes()) return keyOfEscaped(name);
+  const std::string_view token(text_.data() + name->begin(), name->length());
+  return firstEightBytes(token, text_.data() + text_.size());
+}
+
+std::uint64_t SortedMembers::keyOfEscaped(const Node* name) const {
+  const std::string decoded = Value(text_, name).string().value_or("");
   return firstEightBytes(decoded, decoded.data() + decoded.size());
 }
 

@@ -38,6 +38,7 @@ class SortedMembers {
 
  private:
   [[nodiscard]] std::uint64_t keyOf(const Node* name) const;
+  [[nodiscard]] std::uint64_t keyOfEscaped(const Node* name) const;
   [[nodiscard]] int compareNames(const Node* a, const Node* b) const;
 
   std::string_view text_;
