@@ -15,7 +15,7 @@ Tool searchDrives;  // tools_browse.cpp
 Tool listDirectory;
 Tool getFileInfo;
 Tool recentChanges;
-Tool readFile;  // tools_content.cpp
+Tool readFile;  // tools_read_write.cpp
 Tool writeFile;
 Tool transferFile;
 Tool findDuplicates;  // tools_space.cpp
