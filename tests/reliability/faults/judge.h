@@ -7,7 +7,7 @@
 #include "tests/reliability/faults/right_answers.h"
 #include "tests/reliability/faults/run.h"
 
-/// What came of a session with faults.
+/// The result of a session with faults.
 struct Verdict {
   /// Everything that may not come of these faults; empty if nothing.
   std::vector<std::string> violations{};

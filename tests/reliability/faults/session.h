@@ -13,8 +13,8 @@ struct Asked {
   nlohmann::json result;  ///< the right "result" or "error"; null: any result
 };
 
-/// What a host asks a server in one go, and how the application behaves meanwhile. Requests have
-/// the ids 1, 2, 3 and so on.
+/// The requests that a host sends at once, and how the application behaves. Requests have the ids
+/// 1, 2, 3 and so on.
 struct Session {
   std::string_view name;
   std::vector<Asked> asked;

@@ -7,7 +7,7 @@
 
 #include "tests/reliability/faults/judge.h"
 
-/// Counts what came of many trials. Thread-safe.
+/// Counts the results of many trials. Thread-safe.
 class Tally {
  public:
   /// Prints the violations.

@@ -28,7 +28,7 @@ constexpr Seconds longestWait(26.4);
 /// and several times as much on a busy one. A loop that does not pause would take 20 seconds.
 constexpr Seconds mostProcessorTime(1);
 
-/// What came of the call of one server.
+/// The result of one server's call.
 struct Outcome {
   Seconds took{};
   Seconds processorTime{};
@@ -98,7 +98,7 @@ bool judge(std::string_view what, const std::vector<Outcome>& outcomes) {
 }  // namespace
 
 bool deadApplicationCostsLittle(const std::string& server, std::size_t count) {
-  const LoopbackListener silent(4096);  // the system accepts, nobody answers
+  const LoopbackListener silent(4096);  // the system accepts, no program answers
   const RefusingPort refusing;
   std::vector<Outcome> silentOutcomes;
   std::vector<Outcome> refusedOutcomes;

@@ -18,7 +18,8 @@ std::string Chaos::command() const {
   return "'" + app_ + "' '" + home_.home().string() + "' </dev/null >/dev/null 2>&1 &";
 }
 
-// By a shell, so that the application isn't a child of this process and nobody has to wait for it.
+// By a shell, so that the application isn't a child of this process and no process has to wait for
+// it.
 void Chaos::spawnApp() const {
   std::string shell = "/bin/sh";
   std::string option = "-c";
