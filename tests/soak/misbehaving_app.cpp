@@ -10,7 +10,6 @@
 
 #include "tests/support/conversation.h"
 #include "tests/support/reply_writer.h"
-#include "tests/support/request_end.h"
 #include "tests/support/socket_io.h"
 
 namespace {
@@ -54,20 +53,6 @@ std::vector<Behaviour> allBehaviours() {
           unreadable("deep", R"({"ok":true,"result":)" + nestedArrays(1500) + "}")};
 }
 
-// The whole request, or the part of it that was received.
-std::string readRequest(int connection) {
-  std::string request;
-  RequestEnd end;
-  std::vector<char> block(std::size_t{1} << 16);
-  while (true) {
-    const ssize_t count = ::recv(connection, block.data(), block.size(), 0);
-    if (count <= 0) return request;
-    const std::string_view piece(block.data(), static_cast<std::size_t>(count));
-    request += piece;
-    if (end.reachedBy(piece)) return request;
-  }
-}
-
 }  // namespace
 
 const Behaviour& behaviour(std::string_view name) {
@@ -97,7 +82,7 @@ void MisbehavingApp::serve() {
 }
 
 void MisbehavingApp::handle(int connection) {
-  const json request = json::parse(readRequest(connection));
+  const json request = json::parse(receiveRequest(connection));
   if (request.at("tool") == "drive_status") {
     if (failsProbes_ && ++probes_ % 1000 == 0) return resetWhenClosed(connection);
     return sendAll(connection, behaviour("small").reply);
