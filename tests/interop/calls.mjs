@@ -22,6 +22,6 @@ export const calls = [
 ];
 
 export const refusedCall = ['read_file', { drive: 'Studio', path: '../elsewhere.txt' }];
-export const refusal = 'The path "../elsewhere.txt" must not contain "..".';
+export const refusal = '"../elsewhere.txt" leads out of the drive "Studio".';
 export const notStarted =
   'Quillmark could not be started. Open it once from Applications, then try again.';
