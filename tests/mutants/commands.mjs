@@ -7,8 +7,8 @@ const mostKibibytes = 8 << 20;
 const mostProcessorSeconds = 120;
 
 /**
- * Runs a shell command. `done` resolves to { passed, output }. `kill` ends it and everything it has
- * started.
+ * Runs a shell command. `done` resolves to { passed, late, output }; it is late if it was ended
+ * after `seconds`. `kill` ends it and everything it has started.
  */
 export function start(command, { seconds, environment = {}, directory = '.' }) {
   const limits = `ulimit -c 0 -v ${mostKibibytes} -t ${mostProcessorSeconds}`;
@@ -23,12 +23,13 @@ export function start(command, { seconds, environment = {}, directory = '.' }) {
     stream.on('data', (text) => { output = (output + text).slice(-20000); });
   }
   const kill = () => { try { process.kill(-child.pid, 'SIGKILL'); } catch { /* it has ended */ } };
-  const timer = setTimeout(kill, seconds * 1000);
+  let late = false;
+  const timer = setTimeout(() => { late = true; kill(); }, seconds * 1000);
   const done = new Promise((resolve) => {
     child.on('exit', (code) => {
       clearTimeout(timer);
       kill();
-      resolve({ passed: code === 0, output });
+      resolve({ passed: code === 0, late, output });
     });
   });
   return { done, kill };

@@ -4,13 +4,14 @@
 // mutant survives that equivalent.txt does not explain.
 
 import { execFileSync } from 'node:child_process';
-import { readFileSync } from 'node:fs';
+import { appendFileSync, readFileSync, writeFileSync } from 'node:fs';
 import { availableParallelism } from 'node:os';
 import { Base, Workshop } from './build.mjs';
 import { apply, mutationsOf } from './mutations.mjs';
 import { outcome, programs } from './stages.mjs';
 
 const place = 'build/mutants';
+const results = `${place}/results.txt`;
 const product = ['main.cpp', 'process_setup.cpp', 'server', 'catalogue', 'bridge', 'json', 'common'];
 /** Lines whose mutants are always taken: limits, intervals and the reading of unfinished lines. */
 const promises = /constexpr (?:auto|std::size_t|off_t|int) \w+ = |mostBytes =|deepestNesting =|mallopt|partial\(|silenceEnds_|sleep_for/;
@@ -80,7 +81,7 @@ async function work(base, name, queue, counts) {
     }
     ++counts[result];
     if (result === 'survived') console.log(`survived: ${mutant.identity}`);
-    if (process.env.QUILLMARK_VERBOSE) console.log(`${result}: ${mutant.line} ${mutant.identity}`);
+    appendFileSync(results, `${result}: ${mutant.identity}\n`);
   }
 }
 
@@ -95,11 +96,12 @@ async function main() {
   console.log(`${all.length} of ${mutants.length} mutants`);
   const base = new Base(`${place}/base`);
   await base.build(programs);
-  const counts = { invalid: 0, killed: 0, survived: 0 };
+  const counts = { invalid: 0, killed: 0, late: 0, survived: 0 };
+  writeFileSync(results, '');
   await Promise.all(Array.from({ length: options.workers }, (_, i) =>
     work(base, `worker-${i}`, queue, counts)));
-  console.log(`${counts.killed} killed, ${counts.survived} survived, ${equivalent} equivalent ` +
-    `(not run), ${counts.invalid} do not compile`);
+  console.log(`${counts.killed} killed, ${counts.late} did not end, ${counts.survived} survived, ` +
+    `${equivalent} equivalent (not run), ${counts.invalid} do not compile: see ${results}`);
   process.exitCode = counts.survived > 0 || counts.killed === 0 ? 1 : 0;
 }
 

@@ -44,8 +44,8 @@ export function stagesFor(file) {
 }
 
 /**
- * Runs cases of a program in parts, side by side. The first that fails ends the others. Returns its
- * output, or undefined if all pass.
+ * Runs cases of a program in parts, side by side. The first that fails ends the others. Returns
+ * { late, output } of it, or undefined if all pass.
  */
 export async function failure(program, filter, seconds, { temporary, testedServer }) {
   const parts = program.endsWith('json_test') ? 4 : 24;
@@ -59,16 +59,16 @@ export async function failure(program, filter, seconds, { temporary, testedServe
         ...(testedServer ? { QUILLMARK_TESTED_SERVER: testedServer } : {}),
       },
     }));
-  const results = runs.map(({ done }) => done.then(({ passed, output }) => {
+  const results = runs.map(({ done }) => done.then(({ passed, late, output }) => {
     if (!passed) runs.forEach(({ kill }) => kill());
-    return passed ? undefined : output || 'no output';
+    return passed ? undefined : { late, output };
   }));
   return (await Promise.all(results)).find(Boolean);
 }
 
 /**
- * What the tests make of a workshop's mutant: { result, output }. The result is "survived", "killed"
- * or "invalid", which means that it does not compile.
+ * What the tests make of a workshop's mutant: { result, output }. The result is "survived", "killed",
+ * "late", which means that a test did not end, or "invalid", which means that it does not compile.
  */
 export async function outcome(workshop, file) {
   const surroundings = { temporary: workshop.path('temporary') };
@@ -80,8 +80,8 @@ export async function outcome(workshop, file) {
       surroundings.testedServer = await workshop.program(server);
       if (!surroundings.testedServer) return { result: 'invalid' };
     }
-    const output = await failure(built, filter, seconds, surroundings);
-    if (output) return { result: 'killed', output };
+    const failed = await failure(built, filter, seconds, surroundings);
+    if (failed) return { result: failed.late ? 'late' : 'killed', output: failed.output };
   }
   return { result: 'survived' };
 }
