@@ -128,6 +128,7 @@ with_apt() {  # PACKAGE...
   echo "To be installed: ${missing[*]}"
   refuse_old_system
   require_root
+  unset TMPDIR  # parts of apt run as another user, who may not write there
   log=$(mktemp)
   trap 'rm -f "$log"' EXIT
   update_package_lists
