@@ -1,5 +1,5 @@
 # Part of the installation. The documents name the program and README in /usr/local; here they get
-# the places where these really are. CPack installs into a folder of its own, but the .deb is for /usr.
+# the places where these are. CPack installs into a folder of its own, but the .deb is for /usr.
 set(place ${CMAKE_INSTALL_PREFIX})
 if(place MATCHES "/_CPack_Packages/.*(/usr)$")
   set(place ${CMAKE_MATCH_1})
