@@ -17,7 +17,7 @@ const product = ['main.cpp', 'process_setup.cpp', 'server', 'catalogue', 'bridge
 const promises = /constexpr (?:auto|std::size_t|off_t|int) \w+ = |mostBytes =|deepestNesting =|mallopt|partial\(|silenceEnds_|sleep_for/;
 
 function parseArguments(words) {
-  const options = { every: 1, only: '', workers: availableParallelism() };
+  const options = { every: 1, only: '', workers: 3 * availableParallelism() };  // most of the time they wait
   for (let i = 0; i < words.length; i += 2) {
     const name = words[i].replace(/^--/, '');
     if (!(name in options) || words[i + 1] === undefined) throw new Error(`unknown: ${words[i]}`);
