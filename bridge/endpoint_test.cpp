@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -131,6 +132,15 @@ TEST(Endpoint, IncompleteFileIsNoEndpoint) {
   const std::string usable = EndpointFile::text(50123);
   for (std::size_t length = 0; length < usable.size(); ++length) {
     EXPECT_FALSE(loadFrom(usable.substr(0, length))) << length;
+  }
+}
+
+TEST(Endpoint, CallThatWasInterruptedBeforeDoesNotMatter) {
+  const HomeOverride home;
+  for (const std::string& text : {EndpointFile::text(50123), std::string()}) {
+    home.file().write(text);
+    errno = EINTR;
+    EXPECT_EQ(bridge::Endpoint::load().has_value(), !text.empty());
   }
 }
 

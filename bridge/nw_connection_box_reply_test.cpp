@@ -62,6 +62,12 @@ TEST_F(NWConnectionBoxReply, OfTheGreatestSizeIsWhole) {
   EXPECT_EQ(reply->left(), 0U);
 }
 
+TEST_F(NWConnectionBoxReply, OfTheGreatestSizeMayEndInALateByte) {
+  const std::string text = "[\"" + std::string(Reply::mostBytes - 4, 'x') + "\"";
+  ASSERT_TRUE(exchangeInTime(replyInTwoParts(text, "]", 100ms), silenceInABigReply));
+  EXPECT_TRUE(reply && reply->isWhole());
+}
+
 TEST_F(NWConnectionBoxReply, LongerThanTheGreatestSizeIsCut) {
   const std::string text = "[\"" + std::string(Reply::mostBytes - 3, 'x') + "\"]";
   ASSERT_TRUE(exchangeInTime(::reply(text), silenceInABigReply));

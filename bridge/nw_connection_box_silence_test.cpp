@@ -28,6 +28,14 @@ class Silence : public NWConnectionBoxTest {
     exchange(::reply(bytes));
     return std::chrono::steady_clock::now() - start;
   }
+
+  /// On a busy machine it can take longer to notice, but not every time.
+  bool isGivenUpWithin(std::chrono::milliseconds limit, const std::string& bytes) {
+    for (int attempt = 0; attempt < 100; ++attempt) {
+      if (timeUntilGivenUp(bytes) < limit) return true;
+    }
+    return false;
+  }
 };
 
 TEST_F(Silence, Of30MillisecondsDoesNotEndASmallReply) {
@@ -43,20 +51,13 @@ TEST_F(Silence, Of150MillisecondsDoesNotEndABigReply) {
 TEST_F(Silence, EndsASmallReplyAfter50Milliseconds) {
   EXPECT_GE(timeUntilGivenUp(startOf(2)), 50ms);
   EXPECT_GE(timeUntilGivenUp(startOf(bigReply - 1)), 50ms);
+  EXPECT_TRUE(isGivenUpWithin(75ms, startOf(bigReply - 1)));
 }
 
 TEST_F(Silence, EndsABigReplyAfter250Milliseconds) {
   EXPECT_GE(timeUntilGivenUp(startOf(bigReply)), 250ms);
   EXPECT_GE(timeUntilGivenUp(startOf(100'000)), 250ms);
-}
-
-// On a busy machine it can take longer to notice, but not every time.
-TEST_F(Silence, EndsASmallReplyBeforeItWouldEndABigOne) {
-  auto took = timeUntilGivenUp(startOf(bigReply - 1));
-  for (int attempt = 0; took >= 250ms && attempt < 100; ++attempt) {
-    took = timeUntilGivenUp(startOf(bigReply - 1));
-  }
-  EXPECT_LT(took, 250ms);
+  EXPECT_TRUE(isGivenUpWithin(375ms, startOf(bigReply)));
 }
 
 /// A process that is suspended, or waits for a processor, while a reply arrives in pieces.

@@ -2,10 +2,8 @@
 
 #include <pthread.h>
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
-#include <random>
 #include <string>
 #include <thread>
 
@@ -137,22 +135,27 @@ TEST_F(NWConnectionBox, TriesAgainAfterARefusal) {
   EXPECT_EQ(app.record(0).received, R"({"late":1})");
 }
 
-// The application starts to listen at random times between two attempts. The next attempt follows
-// within 20 ms, and in 50 rounds it takes more than 12 ms at least once.
-TEST_F(NWConnectionBox, TriesAgainEvery20Milliseconds) {
-  std::minstd_rand random;
-  auto longest = 0ns;
-  for (std::size_t round = 0; round < 50; ++round) {
+// The application starts to listen after the first attempt, and the second one reaches it. An
+// attempt can be late on a busy machine, even the first one, but that is rare.
+TEST_F(NWConnectionBox, TriesAgainAfter20Milliseconds) {
+  int early = 0;
+  int punctual = 0;
+  for (std::size_t round = 0; round < 40; ++round) {
     app.stopListening();
     open();
-    std::thread sender([this] { EXPECT_TRUE(sendFor(ScriptedApp::generous)); });
-    std::this_thread::sleep_for(std::chrono::microseconds(30'000 + random() % 20'000));
-    const auto listening = ConnectionRecord::Clock::now();
+    auto start = ConnectionRecord::Clock::time_point::min();
+    std::thread sender([&] {
+      start = ConnectionRecord::Clock::now();
+      EXPECT_TRUE(sendFor(ScriptedApp::generous));
+    });
+    std::this_thread::sleep_for(5ms);
     app.listenAgain();
     sender.join();
-    longest = std::max(longest, app.record(round).opened - listening);
+    const auto pause = app.record(round).opened - start;
+    if (pause < 20ms) ++early;
+    if (pause >= 20ms && pause < 30ms) ++punctual;
   }
-  EXPECT_GT(longest, 12ms);
+  EXPECT_GT(punctual, early);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // node tests/mutants/run.mjs [--every N] [--only TEXT] [--workers N]
 //
 // Builds mutants of the product and runs the tests on each. See scripts/checks/mutants. Fails if a
-// mutant survives that equivalent.txt does not explain.
+// mutant survives that neither equivalent.txt nor survivors.txt explains.
 
 import { execFileSync } from 'node:child_process';
 import { appendFileSync, readFileSync, writeFileSync } from 'node:fs';
@@ -30,7 +30,7 @@ function parseArguments(words) {
  * What identifies a mutant when lines move: its file, its line's text, and the change. Of equal ones
  * in a file the second has " (2)" at its end, and so on.
  */
-function identity(mutant, source, seen) {
+function identityOf(mutant, source, seen) {
   const line = source.split('\n')[mutant.line - 1].trim();
   const flat = (text) => text.replace(/\s+/g, ' ');
   const text = `${mutant.file} | ${line} | ${flat(mutant.original)} -> ${mutant.replacement || 'nothing'}`;
@@ -45,7 +45,7 @@ function allMutants() {
     const source = readFileSync(file, 'utf8');
     const seen = new Map();
     return mutationsOf(file, source).map((mutant) =>
-      ({ ...mutant, source, identity: identity(mutant, source, seen) }));
+      ({ ...mutant, source, identity: identityOf(mutant, source, seen) }));
   });
 }
 
@@ -55,13 +55,13 @@ function chosen(mutants, { every, only }) {
     .filter(({ identity: text }) => text.includes(only));
 }
 
-/** The mutants that behave as the program does: lines of the form of identity(). */
-function equivalents(mutants) {
-  const text = readFileSync(new URL('equivalent.txt', import.meta.url), 'utf8');
-  const listed = new Set(text.split('\n').filter((line) => line.includes(' | ')));
+/** The lines of a list of mutants, each of the form of identityOf(). */
+function listed(name, mutants) {
+  const text = readFileSync(new URL(name, import.meta.url), 'utf8');
+  const lines = new Set(text.split('\n').filter((line) => line.includes(' | ')));
   const known = new Set(mutants.map((mutant) => mutant.identity));
-  for (const line of listed) if (!known.has(line)) throw new Error(`no such mutant: ${line}`);
-  return listed;
+  for (const line of lines) if (!known.has(line)) throw new Error(`no such mutant: ${line}`);
+  return lines;
 }
 
 /** Files that are built without a change, on which every test must pass. */
@@ -88,11 +88,12 @@ async function work(base, name, queue, counts) {
 async function main() {
   const options = parseArguments(process.argv.slice(2));
   const mutants = allMutants();
-  const listed = equivalents(mutants);
+  const equivalent = listed('equivalent.txt', mutants);
+  const survivors = listed('survivors.txt', mutants);
   const all = chosen(mutants, options);
-  const different = all.filter((mutant) => !listed.has(mutant.identity));
-  const queue = [...unchanged(options), ...different];
-  const equivalent = all.length - different.length;
+  const countIn = (list) => all.filter((mutant) => list.has(mutant.identity)).length;
+  const queue = unchanged(options).concat(
+    all.filter(({ identity }) => !equivalent.has(identity) && !survivors.has(identity)));
   console.log(`${all.length} of ${mutants.length} mutants`);
   const base = new Base(`${place}/base`);
   await base.build(programs);
@@ -101,7 +102,8 @@ async function main() {
   await Promise.all(Array.from({ length: options.workers }, (_, i) =>
     work(base, `worker-${i}`, queue, counts)));
   console.log(`${counts.killed} killed, ${counts.late} did not end, ${counts.survived} survived, ` +
-    `${equivalent} equivalent (not run), ${counts.invalid} do not compile: see ${results}`);
+    `${counts.invalid} do not compile: see ${results}`);
+  console.log(`not run: ${countIn(equivalent)} equivalent, ${countIn(survivors)} known to survive`);
   process.exitCode = counts.survived > 0 || counts.killed === 0 ? 1 : 0;
 }
 
