@@ -1,7 +1,8 @@
 // node tests/mutants/run.mjs [--every N] [--only TEXT] [--workers N]
 //
-// Builds mutants of the product and runs the tests on each. See scripts/checks/mutants. Fails if a
-// mutant survives that neither equivalent.txt nor survivors.txt explains.
+// Builds mutants of the product and runs the tests on each: those of the limits and intervals, or
+// also every Nth. See scripts/checks/mutants. Fails if a mutant survives that neither equivalent.txt
+// nor survivors.txt explains.
 
 import { execFileSync } from 'node:child_process';
 import { appendFileSync, readFileSync, writeFileSync } from 'node:fs';
@@ -13,11 +14,14 @@ import { outcome, programs } from './stages.mjs';
 const place = 'build/mutants';
 const results = `${place}/results.txt`;
 const product = ['main.cpp', 'process_setup.cpp', 'server', 'catalogue', 'bridge', 'json', 'common'];
-/** Lines whose mutants are always taken: limits, intervals and the reading of unfinished lines. */
-const promises = /constexpr (?:auto|std::size_t|off_t|int) \w+ = |mostBytes =|deepestNesting =|mallopt|partial\(|silenceEnds_|sleep_for/;
+/** Lines of the limits and intervals; their mutants are always taken. */
+const limits = /constexpr (?:auto|off_t) \w+ = |mostBytes = |deepestNesting = /;
+/** Other lines of which every mutant is in a sample: sizes, memory, and reading unfinished lines. */
+const sampled = /constexpr (?:std::size_t|int) \w+ = |mallopt|partial\(|silenceEnds_|sleep_for/;
 
 function parseArguments(words) {
-  const options = { every: 1, only: '', workers: 3 * availableParallelism() };  // most of the time they wait
+  // The tests wait most of the time.
+  const options = { every: 0, only: '', workers: 3 * availableParallelism() };
   for (let i = 0; i < words.length; i += 2) {
     const name = words[i].replace(/^--/, '');
     if (!(name in options) || words[i + 1] === undefined) throw new Error(`unknown: ${words[i]}`);
@@ -50,9 +54,9 @@ function allMutants() {
 }
 
 function chosen(mutants, { every, only }) {
-  return mutants
-    .filter(({ identity: text }, index) => index % every === 0 || (every < 5 && promises.test(text)))
-    .filter(({ identity: text }) => text.includes(only));
+  const isTaken = ({ identity }, index) => limits.test(identity) ||
+    (every > 0 && (index % every === 0 || sampled.test(identity)));
+  return mutants.filter(isTaken).filter(({ identity }) => identity.includes(only));
 }
 
 /** The lines of a list of mutants, each of the form of identityOf(). */
@@ -66,7 +70,7 @@ function listed(name, mutants) {
 
 /** Files that are built without a change, on which every test must pass. */
 function unchanged({ every }) {
-  const files = every < 5 ? ['common/bytes.h', 'bridge/launch.cpp'] : ['server/handle.cpp'];
+  const files = every > 0 ? ['common/bytes.h', 'bridge/launch.cpp'] : ['server/handle.cpp'];
   return files.map((file) => ({ file, changed: readFileSync(file, 'utf8'), isUnchanged: true }));
 }
 
