@@ -32,6 +32,9 @@ class LongLines : public Conversation {
   }
 
   std::size_t pageFaults() const { return std::stoul(statusField(10)); }
+  std::size_t residentBytes() const {
+    return std::stoul(statusField(24)) * static_cast<std::size_t>(::getpagesize());
+  }
 
   Seconds processorTime() const {
     clockid_t clock{};
@@ -79,6 +82,17 @@ TEST_F(LongLines, ReuseTheMemoryOfEarlierOnes) {
   sendLine(line);
   receiveLine();
   EXPECT_LT(pageFaults() - before, 500U);
+}
+
+// The C library keeps up to 32 MiB.
+TEST_F(LongLines, DoNotKeepTheirMemoryAfterShortOnes) {
+  sendLine(R"({"id":1,"method":"ping","unused":")" + std::string(100'000'000, 'x') + "\"}");
+  receiveLine();
+  for (int i = 0; i < 3; ++i) {
+    sendLine(R"({"id":2,"method":"ping"})");
+    receiveLine();
+  }
+  EXPECT_LT(residentBytes(), 40'000'000U);
 }
 
 #endif
