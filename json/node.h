@@ -13,6 +13,7 @@ enum class Kind : std::uint8_t { object, array, string, number, trueLiteral, fal
 /// by everything inside it; an object's members are pairs of nodes, name and value.
 class Node {
  public:
+  Node() = default;
   Node(Kind kind, std::size_t begin) : begin_(begin), packed_(static_cast<std::size_t>(kind)) {}
 
   [[nodiscard]] Kind kind() const { return static_cast<Kind>(packed_ & kindBits); }

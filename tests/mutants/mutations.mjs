@@ -67,7 +67,7 @@ function addStatementChanges(code, add) {
     }
   }
   for (const match of code.matchAll(/(?<=[;{}:)]\s*\n\s+|\) )[A-Za-z_][\w:.>\-\[\]()]*(?:\(| [-+|]?= |\+\+)[^;{}]*;/g)) {
-    if (/^(?:return|using|const|constexpr|static|case|default|auto|namespace|struct)\b|= delete;$/.test(match[0])) continue;
+    if (/^(?:return|using|const|constexpr|static|case|default|auto|namespace|struct)\b|= (?:default|delete);$/.test(match[0])) continue;
     add(match.index, match[0].length, ';');
   }
 }
