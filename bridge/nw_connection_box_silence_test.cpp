@@ -18,7 +18,7 @@ constexpr std::size_t bigReply = 8192;
 std::string startOf(std::size_t size) {
   return "[\"" + std::string(size - 2, 'x');
 }
-constexpr const char* end = "\"]";
+constexpr const char* closing = "\"]";
 
 class Silence : public NWConnectionBoxTest {
  protected:
@@ -39,12 +39,12 @@ class Silence : public NWConnectionBoxTest {
 };
 
 TEST_F(Silence, Of30MillisecondsDoesNotEndASmallReply) {
-  ASSERT_TRUE(exchangeInTime(replyInTwoParts(startOf(bigReply - 1), end, 30ms), 45ms));
+  ASSERT_TRUE(exchangeInTime(replyInTwoParts(startOf(bigReply - 1), closing, 30ms), 45ms));
   EXPECT_TRUE(reply && reply->isWhole());
 }
 
 TEST_F(Silence, Of150MillisecondsDoesNotEndABigReply) {
-  ASSERT_TRUE(exchangeInTime(replyInTwoParts(startOf(bigReply), end, 150ms), 240ms));
+  ASSERT_TRUE(exchangeInTime(replyInTwoParts(startOf(bigReply), closing, 150ms), 240ms));
   EXPECT_TRUE(reply && reply->isWhole());
 }
 
