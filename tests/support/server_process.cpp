@@ -76,6 +76,8 @@ ServerProcess::ServerProcess(const TemporaryHome& home, const ServerSetup& setup
 
 ServerProcess::~ServerProcess() {
   closeInput();
+  const auto deadline = Clock::now() + std::chrono::seconds(2);
+  while (!ended_ && !collectExit() && Clock::now() < deadline) ::usleep(1000);
   if (!ended_) {
     ::kill(pid_, SIGKILL);
     ::waitpid(pid_, nullptr, 0);

@@ -43,7 +43,8 @@ struct ExitStatus {
 
 /// The built server as a child process. Its standard input and output are pipes, and its standard
 /// error is a file. For one thread. The functions that wait throw std::runtime_error after
-/// their time. The destructor kills the process if it still runs.
+/// their time. The destructor ends the input, so that an idle server exits by itself, and kills the
+/// process if it still runs 2 s later.
 class ServerProcess {
  public:
   using Duration = std::chrono::milliseconds;
