@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <string_view>
@@ -28,17 +29,17 @@ class File {
     if (descriptor_ >= 0) close(descriptor_);
   }
 
-  /// The whole contents; none if they cannot be read, are too long, or are being changed.
+  /// The whole contents; empty if they cannot be read, are too long, or are being changed.
   ///
   /// Reads everything twice; both results must agree. The application may overwrite the file during
   /// a read. The bytes are then a mixture: the port of one version and the token of the other.
-  [[nodiscard]] std::optional<common::Bytes> contents() const {
+  [[nodiscard]] common::Bytes contents() const {
     const auto size = this->size();
-    if (!size) return std::nullopt;
+    if (!size) return {};
     auto bytes = read(*size + 1);
     const auto again = read(*size + 1);
-    if (!bytes || !again || bytes->view() != again->view()) return std::nullopt;
-    return bytes->size() <= *size ? std::move(bytes) : std::nullopt;
+    const bool haveChanged = bytes.size() > *size || bytes.view() != again.view();
+    return haveChanged ? common::Bytes() : std::move(bytes);
   }
 
  private:
@@ -50,14 +51,14 @@ class File {
     return static_cast<std::size_t>(status.st_size);
   }
 
-  [[nodiscard]] std::optional<common::Bytes> read(std::size_t most) const {
+  /// The first bytes, at most this many; none if they cannot be read.
+  [[nodiscard]] common::Bytes read(std::size_t most) const {
     common::Bytes bytes;
     ssize_t count = 0;
     do {
       count = pread(descriptor_, bytes.room(most), most, 0);
     } while (count < 0 && errno == EINTR);
-    if (count < 0) return std::nullopt;
-    bytes.commit(static_cast<std::size_t>(count));
+    bytes.commit(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     return bytes;
   }
 
@@ -81,8 +82,7 @@ std::optional<Endpoint> decode(json::Value object) {
 std::optional<Endpoint> Endpoint::load() {
   const File file(homeDirectory() + "/Library/Application Support/Quillmark/agent.json");
   const auto bytes = file.contents();
-  if (!bytes) return std::nullopt;
-  const auto document = json::read(bytes->view());
+  const auto document = json::read(bytes.view());
   return document ? decode(document->root()) : std::nullopt;
 }
 

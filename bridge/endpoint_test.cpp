@@ -50,6 +50,15 @@ TEST(Endpoint, NamedPipeInPlaceOfTheFileIsNoEndpoint) {
   EXPECT_FALSE(bridge::Endpoint::load());
 }
 
+#ifdef __linux__
+TEST(Endpoint, FileWhoseReadingFailsIsNoEndpoint) {
+  const HomeOverride home;
+  // A regular file. Reading its first bytes fails, because no process has memory there.
+  std::filesystem::create_symlink("/proc/self/mem", home.file().path());
+  EXPECT_FALSE(bridge::Endpoint::load());
+}
+#endif
+
 TEST(Endpoint, EveryMemberIsRequired) {
   EXPECT_FALSE(loadFrom(R"({"port":1,"token":"t"})"));
   EXPECT_FALSE(loadFrom(R"({"version":1,"token":"t"})"));
