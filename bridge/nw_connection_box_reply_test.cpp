@@ -1,6 +1,7 @@
 #include <string>
 
 #include "tests/unit/connection_box_test.h"
+#include "tests/unit/reply_of.h"
 
 // Where a reply ends.
 
@@ -89,6 +90,17 @@ TEST_F(NWConnectionBoxReply, EndsAtTheEndOfTheStream) {
   ASSERT_TRUE(reply);
   EXPECT_EQ(reply->size(), 6U);
   EXPECT_TRUE(app.waitUntilClosedByServer(0));
+}
+
+TEST(Reply, CanBeReadAfterItsBytesHaveMoved) {
+  const std::string value(8000, 'x');
+  Reply reply = replyOf("{\"member\":\"" + value + "\"}");
+  reply.room(reply.left());  // too much to be added in place
+  const auto document = reply.document();
+  ASSERT_TRUE(document);
+  const auto member = document->root().member("member");
+  ASSERT_TRUE(member);
+  EXPECT_TRUE(member->string() == value);
 }
 
 }  // namespace
