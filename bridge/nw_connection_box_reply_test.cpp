@@ -94,7 +94,7 @@ TEST_F(NWConnectionBoxReply, EndsAtTheEndOfTheStream) {
 
 TEST(Reply, CanBeReadAfterItsBytesHaveMoved) {
   const std::string value(8000, 'x');
-  Reply reply = replyOf("{\"member\":\"" + value + "\"}");
+  Reply reply = replyOf(R"({"member":")" + value + R"("})");
   reply.room(reply.left());  // too much to be added in place
   const auto document = reply.document();
   ASSERT_TRUE(document);
