@@ -76,9 +76,7 @@ ServerProcess::ServerProcess(const TemporaryHome& home, const ServerSetup& setup
 
 ServerProcess::~ServerProcess() {
   closeInput();
-  const auto deadline = Clock::now() + std::chrono::seconds(2);
-  while (!ended_ && !collectExit() && Clock::now() < deadline) ::usleep(1000);
-  if (!ended_) {
+  if (!endsWithin(std::chrono::seconds(2))) {
     ::kill(pid_, SIGKILL);
     ::waitpid(pid_, nullptr, 0);
   }
@@ -159,13 +157,18 @@ bool ServerProcess::collectExit() {
 }
 
 // Waits for the process rather than for the end of its output, which a launched child may keep
-// open.
-ExitStatus ServerProcess::waitForExit(Duration within) {
-  const auto deadline = Clock::now() + within;
+// open. Reads the output meanwhile, because a full pipe would keep the process from ending.
+bool ServerProcess::endsWithin(Duration time) {
+  const auto deadline = Clock::now() + time;
   while (!ended_ && !collectExit()) {
-    if (Clock::now() > deadline) throw std::runtime_error("the server does not exit");
+    if (Clock::now() > deadline) return false;
     if (!receiveOutput(Duration(5), std::size_t{1} << 16)) ::usleep(1000);
   }
+  return true;
+}
+
+ExitStatus ServerProcess::waitForExit(Duration within) {
+  if (!endsWithin(within)) throw std::runtime_error("the server does not exit");
   while (receiveOutput(Duration(0), std::size_t{1} << 16)) {
   }
   return exit_;

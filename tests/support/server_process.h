@@ -82,6 +82,7 @@ class ServerProcess {
  private:
   bool receiveOutput(Duration within, std::size_t atMost);
   bool collectExit();
+  bool endsWithin(Duration time);
 
   pid_t pid_ = -1;
   int input_ = -1;
